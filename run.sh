@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Builds Brinova with the production's data and starts the demo; arguments go to brinova.
+set -euo pipefail
+cd "$(dirname "$0")"
+
+scripts/install-packages.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release
+cmake --build build --parallel "$(nproc)"
+
+exec build/bin/brinova "$@"
