@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+
+class Binary;
+class File;
+
+// The front door to resource files: loose files under the resource folders, or entries of
+// the resource archive. Every loader takes a full relative path (folder constant + name).
+class KVTIO {
+public:
+    static const int KVT_RESOURCES_FLAT = 0;
+    static const int KVT_RESOURCES_7Z = 1;
+
+    static int ResourceType;
+    // When set, every load prints what it loads.
+    static bool debug;
+
+    static const std::string ScenePath;
+    static const std::string TexturePath;
+    static const std::string MiscPath;
+    static const std::string SoundPath;
+    static const std::string ShaderPath;
+    static const std::string VideoPath;
+    static const std::string TrackPath;
+
+    static void init(int type);
+
+    // A new File the caller owns (test exists()); none for an unknown type.
+    static File* loadFile(std::string name, int type);
+    static File* loadFile(std::string name);
+    static File* loadTextFile(std::string name, int type);
+    static File* loadTextFile(std::string name);
+    // A new Binary the caller owns, or none when the file is missing.
+    static Binary* loadBinary(std::string name, int type);
+    static Binary* loadBinary(std::string name);
+
+private:
+    static File* openResource(const std::string& name, int type);
+};
