@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <vector>
+
+class TrackKeyFrame;
+
+// Keyframes ordered by row, at most one a row. The track owns its keyframes.
+// On start/stop tracks keyframes alternate start, stop, ...; each pair is an interval that
+// covers its start row through its stop row, both included.
+class Track {
+public:
+    using KeyframeMap = std::map<unsigned int, TrackKeyFrame*>;
+
+    Track() = default;
+    virtual ~Track();
+    Track(const Track&) = delete;
+    Track& operator=(const Track&) = delete;
+
+    // Delivers whole intervals touching from..to.
+    virtual void getKeyFrameRange(unsigned int from, unsigned int to,
+                                  std::vector<TrackKeyFrame*>& out);
+    // Checks that keyframes alternate start, stop, ...; prints the first mismatch.
+    virtual bool validateKeyframes();
+
+    // Takes ownership. A keyframe already at that row is replaced and deleted.
+    void addKeyframe(TrackKeyFrame* keyframe);
+    void insertInterval(TrackKeyFrame* start, TrackKeyFrame* stop);
+    TrackKeyFrame* getKeyframe(unsigned int row) const;
+    bool rowExists(unsigned int row) const;
+    bool rowIsStartKeyFrame(unsigned int row) const;
+    // Row of the first keyframe after row, or -1.
+    int nextKeyframe(unsigned int row) const;
+    // Row of the last keyframe before row, or 0xFFFFFFFF.
+    unsigned int prevKeyframe(unsigned int row) const;
+    bool insideInterval(unsigned int row) const;
+    bool isActive(unsigned int time, unsigned int row) const;
+    bool rangeEmpty(unsigned int from, unsigned int to) const;
+    void fetchKeyFrameVector(std::vector<TrackKeyFrame*>& out) const;
+    void deleteInterval(unsigned int row);
+    void moveRow(unsigned int from, unsigned int to);
+
+    size_t size() const { return keyframes.size(); }
+    const KeyframeMap& getKeyframes() const { return keyframes; }
+
+protected:
+    KeyframeMap keyframes;
+
+private:
+    // Puts keyframe at row, deleting the keyframe it replaces.
+    void store(unsigned int row, TrackKeyFrame* keyframe);
+};

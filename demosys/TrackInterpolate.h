@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Track.h"
+
+#include <string>
+
+class TrackKeyFrameInterpolate;
+
+// One float parameter of an effect, given as keyframes and evaluated against the clock.
+// Interpolation codes of a keyframe (how the value moves on to the next keyframe):
+// 0 linear, 1 ease-out (fast start), 2 ease-in (gentle start), 3 step, 4 ramp (f*f);
+// any other code is linear. Holds only TrackKeyFrameInterpolate keyframes.
+class TrackInterpolate : public Track {
+public:
+    static const int LINEAR = 0;
+    static const int EASE_OUT = 1;
+    static const int EASE_IN = 2;
+    static const int STEP = 3;
+    static const int RAMP = 4;
+
+    explicit TrackInterpolate(std::string trackName) : name(std::move(trackName)) {}
+
+    std::string getName() const { return name; }
+    // The value at a clock time in milliseconds: 0 before the first keyframe, the last
+    // value held after the last one. Never allocates.
+    float getValue(unsigned int timeMs) const;
+
+    TrackKeyFrameInterpolate* getClosestKeyframe(unsigned int row) const;
+    TrackKeyFrameInterpolate* getClosestKeyframeUpwards(unsigned int row) const;
+    void deleteKeyframe(unsigned int row);
+    // The keyframes that shape the curve across from..to.
+    void getKeyFrameRange(unsigned int from, unsigned int to,
+                          std::vector<TrackKeyFrame*>& out) override;
+
+    // The value between a and b at fraction t (0 at a, 1 at b).
+    static float linear(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
+                        float t);
+    static float step(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
+                      float t);
+    static float ramp(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
+                      float t);
+    // easeOut true: fast start and gentle arrival; false: gentle start and fast arrival.
+    static float cosine(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
+                        float t, bool easeOut);
+
+private:
+    std::string name;
+};
