@@ -89,6 +89,7 @@ void File::setData(std::vector<unsigned char> bytes) {
 }
 
 void File::setReadOffset(unsigned int offset) {
+    overrunFlag = false;
     if (offset > data.size()) {
         overrunFlag = true;
         offset = static_cast<unsigned int>(data.size());

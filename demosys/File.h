@@ -39,7 +39,8 @@ public:
     unsigned int getReadOffset() const { return readOffset; }
     void setReadOffset(unsigned int offset);
     unsigned int bytesLeft() const;
-    // True once a read wanted more bytes than were left, or an offset lay past the end.
+    // True once a read since the last setReadOffset wanted more bytes than were left, or
+    // the offset set lay past the end.
     bool overrun() const { return overrunFlag; }
 
     int readInt();

@@ -9,8 +9,8 @@ class File;
 // the resource archive. Every loader takes a full relative path (folder constant + name).
 class KVTIO {
 public:
-    static const int KVT_RESOURCES_FLAT = 0;
-    static const int KVT_RESOURCES_7Z = 1;
+    static constexpr int KVT_RESOURCES_FLAT = 0;
+    static constexpr int KVT_RESOURCES_7Z = 1;
 
     static int ResourceType;
     // When set, every load prints what it loads.

@@ -12,11 +12,11 @@ class TrackKeyFrameInterpolate;
 // any other code is linear. Holds only TrackKeyFrameInterpolate keyframes.
 class TrackInterpolate : public Track {
 public:
-    static const int LINEAR = 0;
-    static const int EASE_OUT = 1;
-    static const int EASE_IN = 2;
-    static const int STEP = 3;
-    static const int RAMP = 4;
+    static constexpr int LINEAR = 0;
+    static constexpr int EASE_OUT = 1;
+    static constexpr int EASE_IN = 2;
+    static constexpr int STEP = 3;
+    static constexpr int RAMP = 4;
 
     explicit TrackInterpolate(std::string trackName) : name(std::move(trackName)) {}
 

@@ -4,8 +4,8 @@
 // Keyframes are plain values; the track that holds one owns it.
 class TrackKeyFrame {
 public:
-    static const int STOP = 0;
-    static const int START = 1;
+    static constexpr int STOP = 0;
+    static constexpr int START = 1;
 
     TrackKeyFrame() = default;
     TrackKeyFrame(unsigned int keyRow, int keyType) : row(keyRow), type(keyType) {}

@@ -14,7 +14,7 @@ class TrackStartStop;
 // The system owns the groups added to it.
 class TrackSystem {
 public:
-    static const int DefaultRowRate = 20;
+    static constexpr int DefaultRowRate = 20;
 
     TrackSystem();
     ~TrackSystem();

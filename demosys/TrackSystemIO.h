@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+class Effect;
+class File;
+class FBO;
+class TrackInterpolate;
+class TrackStartStop;
+class TrackSystem;
+
+// Reads and writes the sync tracks of all effects: one loose file per track, or a pack of
+// "index.list" (record names and offsets) and "track.data" (the records back to back).
+// Missing records give empty dummy tracks so new effects run before anybody keyed them.
+// Records that do not fit in their file are reported as corrupt and also become dummies.
+class TrackSystemIO {
+public:
+    explicit TrackSystemIO(std::string basePath);
+
+    // A new system with one group per effect (names[i] names effects[i]); caller owns it.
+    TrackSystem* loadPack(std::vector<std::string>& names, std::vector<Effect*>& effects);
+    TrackSystem* load(std::vector<std::string>& names, std::vector<Effect*>& effects);
+    bool save(TrackSystem* system);
+    bool savePack(TrackSystem* system);
+    // The enabled flags of KVTDemosys::tracks in "track.properties".
+    bool saveStateData();
+    void loadStateData();
+
+    // A new start/stop track read at the file's cursor; a dummy when the record is corrupt.
+    TrackStartStop* loadStartStopTrack(File* source, std::string groupName);
+    // Fills track from the record at the file's cursor; leaves it empty when corrupt.
+    void loadInterpolateTrack(File* source, std::string groupName, TrackInterpolate* track);
+    void saveStartStopTrack(File* target, TrackStartStop* track);
+    void saveInterpolateTrack(File* target, TrackInterpolate* track);
+
+    void setVerbose(bool flag) { verbose = flag; }
+    // Corrupt records met so far, one line each naming the file and the record.
+    const std::vector<std::string>& getErrors() const { return errors; }
+
+private:
+    // Finds the record stored under a loose file name ("group.track", "group.name.track")
+    // and returns a file with its cursor on it, or null when there is none.
+    using RecordSource = std::function<File*(const std::string& key)>;
+
+    TrackSystem* loadSystem(std::vector<std::string>& names, std::vector<Effect*>& effects,
+                            const RecordSource& records);
+    void loadGroup(TrackSystem* system, const std::string& name, Effect* effect,
+                   const RecordSource& records);
+    std::map<std::string, int> readIndex(File* index);
+    bool writeStartStopRecord(const std::string& path, TrackStartStop* track);
+    bool writeInterpolateRecord(const std::string& path, TrackInterpolate* track);
+    void reportCorrupt(const File* source, const std::string& record, const std::string& why);
+    static FBO* findRenderTarget(const std::string& name);
+
+    std::string basePath;
+    bool verbose = false;
+    std::vector<std::string> errors;
+};
