@@ -77,7 +77,12 @@ TrackSystem* TrackSystemIO::loadPack(std::vector<std::string>& names,
                                      std::vector<Effect*>& effects) {
     std::unique_ptr<File> index(KVTIO::loadFile(basePath + "index.list"));
     std::unique_ptr<File> data(KVTIO::loadFile(basePath + "track.data"));
-    std::map<std::string, int> offsets = readIndex(index.get());
+    return loadPack(index.get(), data.get(), names, effects);
+}
+
+TrackSystem* TrackSystemIO::loadPack(File* index, File* data, std::vector<std::string>& names,
+                                     std::vector<Effect*>& effects) {
+    std::map<std::string, int> offsets = readIndex(index);
     if (data == nullptr || !data->exists()) {
         offsets.clear();
     }
@@ -87,11 +92,11 @@ TrackSystem* TrackSystemIO::loadPack(std::vector<std::string>& names,
             return nullptr;
         }
         if (found->second < 0 || static_cast<unsigned int>(found->second) > data->getFileSize()) {
-            reportCorrupt(data.get(), "record '" + key + "'", "starts past the end of the file");
+            reportCorrupt(data, "record '" + key + "'", "starts past the end of the file");
             return nullptr;
         }
         data->setReadOffset(static_cast<unsigned int>(found->second));
-        return data.get();
+        return data;
     };
     return loadSystem(names, effects, records);
 }

@@ -22,6 +22,9 @@ public:
 
     // A new system with one group per effect (names[i] names effects[i]); caller owns it.
     TrackSystem* loadPack(std::vector<std::string>& names, std::vector<Effect*>& effects);
+    // The same from an index and a data file already in memory (either may be null).
+    TrackSystem* loadPack(File* index, File* data, std::vector<std::string>& names,
+                          std::vector<Effect*>& effects);
     TrackSystem* load(std::vector<std::string>& names, std::vector<Effect*>& effects);
     bool save(TrackSystem* system);
     bool savePack(TrackSystem* system);
