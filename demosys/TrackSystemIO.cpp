@@ -51,15 +51,15 @@ void TrackSystemIO::reportCorrupt(const File* source, const std::string& record,
     errors.push_back(line);
 }
 
-std::map<std::string, int> TrackSystemIO::readIndex(File* index) {
-    std::map<std::string, int> offsets;
+std::vector<std::pair<std::string, int>> TrackSystemIO::readIndex(File* index) {
+    std::vector<std::pair<std::string, int>> entries;
     if (index == nullptr || !index->exists()) {
-        return offsets;
+        return entries;
     }
     int count = index->readInt();
     if (count >= 1 && !countFits(count, index, MinIndexEntryBytes)) {
         reportCorrupt(index, "the index", "lists more entries than the file holds");
-        return offsets;
+        return entries;
     }
     for (int i = 0; i < count; ++i) {
         std::string key = index->readString();
@@ -68,9 +68,9 @@ std::map<std::string, int> TrackSystemIO::readIndex(File* index) {
             reportCorrupt(index, "the index", "ends inside an entry");
             return {};
         }
-        offsets[key] = offset;
+        entries.emplace_back(std::move(key), offset);
     }
-    return offsets;
+    return entries;
 }
 
 TrackSystem* TrackSystemIO::loadPack(std::vector<std::string>& names,
@@ -82,7 +82,10 @@ TrackSystem* TrackSystemIO::loadPack(std::vector<std::string>& names,
 
 TrackSystem* TrackSystemIO::loadPack(File* index, File* data, std::vector<std::string>& names,
                                      std::vector<Effect*>& effects) {
-    std::map<std::string, int> offsets = readIndex(index);
+    std::map<std::string, int> offsets;
+    for (const auto& entry : readIndex(index)) {
+        offsets[entry.first] = entry.second;
+    }
     if (data == nullptr || !data->exists()) {
         offsets.clear();
     }
@@ -165,12 +168,14 @@ TrackStartStop* TrackSystemIO::loadStartStopTrack(File* source, std::string grou
         std::string target = "screen";
         FBO* fbo = nullptr;
         if (type == TrackKeyFrame::START) {
+            unsigned int before = source->getReadOffset();
             target = source->readString();
+            bool unnamed = source->getReadOffset() - before == 1;
             if (verbose) {
                 std::cout << "Raw string = '" << target << "'" << std::endl;
             }
             fbo = findRenderTarget(target);
-            if (fbo == nullptr) {
+            if (fbo == nullptr && (!keepTargetNames || unnamed)) {
                 target = "screen";
             }
         }
@@ -220,7 +225,7 @@ void TrackSystemIO::saveStartStopTrack(File* target, TrackStartStop* track) {
         target->put(keyframe->row);
         target->put(keyframe->type);
         if (keyframe->type == TrackKeyFrame::START) {
-            if (keyframe->fbo != nullptr) {
+            if (keyframe->fbo != nullptr || keepTargetNames) {
                 target->put(keyframe->target);
             }
             target->put(static_cast<unsigned char>(0));

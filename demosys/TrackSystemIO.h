@@ -39,7 +39,15 @@ public:
     void saveStartStopTrack(File* target, TrackStartStop* track);
     void saveInterpolateTrack(File* target, TrackInterpolate* track);
 
+    // The entries of an index file in file order: record name and offset in the data file.
+    // Empty (with an error reported) when the index is damaged.
+    std::vector<std::pair<std::string, int>> readIndex(File* index);
+
     void setVerbose(bool flag) { verbose = flag; }
+    // For authoring tools, which have no framebuffers: start keyframes keep the target
+    // names they were read with, and names are written whether or not they were resolved
+    // (the screen as "screen").
+    void setKeepTargetNames(bool flag) { keepTargetNames = flag; }
     // Corrupt records met so far, one line each naming the file and the record.
     const std::vector<std::string>& getErrors() const { return errors; }
 
@@ -52,7 +60,6 @@ private:
                             const RecordSource& records);
     void loadGroup(TrackSystem* system, const std::string& name, Effect* effect,
                    const RecordSource& records);
-    std::map<std::string, int> readIndex(File* index);
     bool writeStartStopRecord(const std::string& path, TrackStartStop* track);
     bool writeInterpolateRecord(const std::string& path, TrackInterpolate* track);
     void reportCorrupt(const File* source, const std::string& record, const std::string& why);
@@ -60,5 +67,6 @@ private:
 
     std::string basePath;
     bool verbose = false;
+    bool keepTargetNames = false;
     std::vector<std::string> errors;
 };

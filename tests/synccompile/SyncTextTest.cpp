@@ -1,0 +1,173 @@
+#include "SyncText.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const char* const Example = R"(# a small production
+tempo 120
+end 02:30:850
+effect glow_effect
+priority 4
+start 00:01:000 glow_pre   # row 20
+stop 3.1
+start 100
+stop 02:00:000
+track amount
+0 0.5 ease-out
+2.1 1.25 ease-in
+00:10:000 -2 step
+track spread
+1.1 3 ramp
+effect post
+priority 1
+track brightness
+5 1
+)";
+
+std::string parseError(const std::string& text, const synctext::Schema* schema = nullptr) {
+    synctext::Document document;
+    std::string error;
+    EXPECT_FALSE(synctext::parse(text, "demo.sync", schema, document, error)) << text;
+    return error;
+}
+
+std::string readBytes(const fs::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+fs::path freshFolder(const std::string& name) {
+    fs::path folder = fs::path(::testing::TempDir()) / ("brinova_sync_" + name);
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    return folder;
+}
+
+} // namespace
+
+TEST(SyncText, ReadsEffectsIntervalsAndKeyframesInEveryTimeForm) {
+    synctext::Document document;
+    std::string error;
+    ASSERT_TRUE(synctext::parse(Example, "demo.sync", nullptr, document, error)) << error;
+    ASSERT_EQ(document.effects.size(), 2u);
+    const synctext::Effect& glow = document.effects[0];
+    EXPECT_EQ(glow.priority, 4);
+    ASSERT_EQ(glow.intervals.size(), 2u);
+    EXPECT_EQ(glow.intervals[0].start, 20u);
+    EXPECT_EQ(glow.intervals[0].stop, 80u) << "bar 3 starts after two bars of 40 rows";
+    EXPECT_EQ(glow.intervals[0].target, "glow_pre");
+    EXPECT_EQ(glow.intervals[1].target, "screen");
+    EXPECT_EQ(glow.intervals[1].stop, 2400u);
+    ASSERT_EQ(glow.tracks.size(), 2u);
+    const synctext::Track& amount = glow.tracks[0];
+    ASSERT_EQ(amount.keyframes.size(), 3u);
+    EXPECT_EQ(amount.keyframes[0].interpolation, 1);
+    EXPECT_EQ(amount.keyframes[1].row, 40u);
+    EXPECT_EQ(amount.keyframes[1].interpolation, 2);
+    EXPECT_EQ(amount.keyframes[2].row, 200u);
+    EXPECT_EQ(amount.keyframes[2].value, -2.0f);
+    EXPECT_EQ(amount.keyframes[2].interpolation, 3);
+    EXPECT_EQ(glow.tracks[1].keyframes[0].interpolation, 4);
+    EXPECT_EQ(document.effects[1].tracks[0].keyframes[0].interpolation, 0);
+}
+
+TEST(SyncText, BarsFollowTheTempo) {
+    synctext::Document document;
+    std::string error;
+    ASSERT_TRUE(
+        synctext::parse("tempo 90\neffect e\ntrack t\n2.1 1\n", "x", nullptr, document, error));
+    EXPECT_EQ(document.effects[0].tracks[0].keyframes[0].row, 53u) << "4 beats of 13.33 rows";
+}
+
+TEST(SyncText, ErrorsNameTheFileLineAndReason) {
+    EXPECT_EQ(parseError("effect e\ntrack t\n0 1 smooth\n"),
+              "demo.sync:3: unknown interpolation 'smooth' (use linear, ease-out, ease-in, step "
+              "or ramp)");
+    EXPECT_EQ(parseError("effect e\nstart 0\nstop 10\nstart 10\nstop 20\n"),
+              "demo.sync:4: interval overlaps the previous one, which stops at row 10");
+    EXPECT_EQ(parseError("effect e\nstart 0\n\neffect f\n"),
+              "demo.sync:4: the interval started at line 2 is never stopped");
+    EXPECT_EQ(parseError("effect e\nstart 0\n"),
+              "demo.sync:2: the interval started at line 2 is never stopped");
+    EXPECT_EQ(parseError("effect e\nstart 5\nstart 9\n"),
+              "demo.sync:3: the interval started at line 2 is not stopped before this start");
+    EXPECT_EQ(parseError("effect e\ntrack t\n10 1\n# comment\n10 2\n"),
+              "demo.sync:5: keyframe at row 10 is not after the previous one at row 10");
+    EXPECT_EQ(parseError("end 00:10:000\neffect e\nstart 0\nstop 201\n"),
+              "demo.sync:4: time '201' lies past the end 00:10:000");
+    EXPECT_EQ(parseError("effect e\nwobble 3\n"), "demo.sync:2: unknown keyword 'wobble'");
+    EXPECT_EQ(parseError("track t\n"), "demo.sync:1: 'track' outside an effect");
+    EXPECT_EQ(parseError("effect e\n5 1\n"), "demo.sync:2: keyframe outside a track");
+    EXPECT_EQ(parseError("effect e\ntrack t\n1:2 1\n"), "demo.sync:3: time '1:2' is not mm:ss:ms");
+    EXPECT_EQ(parseError("effect e\ntrack t\n3.5 1\n"),
+              "demo.sync:3: time '3.5' is not bar.beat (bars from 1, beats 1 to 4)");
+    EXPECT_EQ(parseError("effect e\ntrack t\n3 x\n"), "demo.sync:3: value 'x' is not a number");
+    EXPECT_EQ(parseError("effect e\nstop 4\n"), "demo.sync:2: 'stop' without a started interval");
+    EXPECT_EQ(parseError("effect e\nstart 4\nstop 4\n"),
+              "demo.sync:3: interval stops at row 4, not after its start at row 4");
+    EXPECT_EQ(parseError("effect a.b\n"),
+              "demo.sync:1: effect name 'a.b' must be non-empty and hold no '.'");
+    EXPECT_EQ(parseError("effect e\neffect e\n"), "demo.sync:2: effect 'e' is declared twice");
+    EXPECT_EQ(parseError("effect e\npriority\n"),
+              "demo.sync:2: 'priority' takes 1 argument, found 0");
+}
+
+TEST(SyncText, SchemaRejectsUnknownInstancesAndTracks) {
+    synctext::Schema schema;
+    std::string error;
+    ASSERT_TRUE(synctext::parseSchema("glow_effect: amount spread\npost: brightness\n",
+                                      "effects.list", schema, error));
+    synctext::Document document;
+    EXPECT_TRUE(synctext::parse(Example, "demo.sync", &schema, document, error)) << error;
+    EXPECT_EQ(parseError("effect fluid\n", &schema),
+              "demo.sync:1: unknown effect instance 'fluid'");
+    EXPECT_EQ(parseError("effect post\ntrack contrast\n", &schema),
+              "demo.sync:2: effect 'post' has no track 'contrast'");
+    EXPECT_FALSE(synctext::parseSchema("post brightness\n", "effects.list", schema, error));
+    EXPECT_EQ(error, "effects.list:1: expected 'instance: track ...', found 'post'");
+}
+
+TEST(SyncText, TextPackTextPackRoundTripIsByteIdentical) {
+    synctext::Document source;
+    std::string error;
+    ASSERT_TRUE(synctext::parse(Example, "demo.sync", nullptr, source, error));
+    fs::path first = freshFolder("first");
+    fs::path second = freshFolder("second");
+    ASSERT_TRUE(synctext::writePack(source, first.string(), error)) << error;
+
+    synctext::Document decoded;
+    ASSERT_TRUE(synctext::readPack(first.string(), decoded, error)) << error;
+    std::string text = synctext::format(decoded);
+    EXPECT_NE(text.find("start 20 glow_pre\nstop 80\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("priority 4\n"), std::string::npos) << "raw priorities are kept";
+
+    synctext::Document reparsed;
+    ASSERT_TRUE(synctext::parse(text, "decoded.sync", nullptr, reparsed, error)) << error;
+    ASSERT_TRUE(synctext::writePack(reparsed, second.string(), error)) << error;
+    EXPECT_EQ(readBytes(first / "index.list"), readBytes(second / "index.list"));
+    EXPECT_EQ(readBytes(first / "track.data"), readBytes(second / "track.data"));
+    EXPECT_EQ(synctext::format(reparsed), text);
+}
+
+TEST(SyncText, MissingOrDamagedPacksAreReported) {
+    synctext::Document document;
+    std::string error;
+    fs::path empty = freshFolder("empty");
+    EXPECT_FALSE(synctext::readPack(empty.string(), document, error));
+    EXPECT_NE(error.find("no track pack"), std::string::npos);
+
+    synctext::Document source;
+    ASSERT_TRUE(synctext::parse(Example, "demo.sync", nullptr, source, error));
+    ASSERT_TRUE(synctext::writePack(source, empty.string(), error));
+    fs::resize_file(empty / "track.data", 30);
+    synctext::Document damaged;
+    EXPECT_FALSE(synctext::readPack(empty.string(), damaged, error));
+    EXPECT_NE(error.find("track.data"), std::string::npos) << error;
+    EXPECT_FALSE(synctext::writePack(source, (empty / "no" / "such").string(), error));
+}
