@@ -139,12 +139,3 @@ TEST(Matrix, RotationsWriteOnlyTheirFourElements) {
         }
     }
 }
-
-TEST(Matrix, ZRotationTurnsTheXAxisTowardsY) {
-    Mat4 m = Mat4::identity();
-    m.setZRotation(3.1415927f / 2);
-    // Column 0 is where the x axis goes.
-    EXPECT_NEAR(m[0], 0, 1e-6);
-    EXPECT_NEAR(m[1], 1, 1e-6);
-    EXPECT_NEAR(m[2], 0, 1e-6);
-}
