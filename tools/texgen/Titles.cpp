@@ -273,8 +273,8 @@ Field memberDyeShapes(const FontShelf& fonts, const char* text, int size) {
     const float c = size * 0.5f;
     Field shapes(size, size);
     stampCentred(shapes, setFitting(fonts.sansBold(), text, style, 0, int(size * 0.72f)), c, c);
-    shapes = merged(shapes, strokeShape(size, size, circle(c, c, size * 0.4f), size * 0.018f));
-    shapes = merged(shapes, strokeShape(size, size, circle(c, c, size * 0.445f), size * 0.006f));
+    shapes = merged(shapes, strokeShape(size, size, circle(c, c, size * 0.38f), size * 0.018f));
+    shapes = merged(shapes, strokeShape(size, size, circle(c, c, size * 0.42f), size * 0.006f));
     return shapes;
 }
 
