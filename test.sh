@@ -9,5 +9,7 @@ cmake --build build --parallel "$(nproc)"
 
 scripts/fuzz.sh 10
 
+# OpenGL tests need a display: a virtual one with Mesa's software renderer, no audio device.
+export LIBGL_ALWAYS_SOFTWARE=1 SDL_AUDIODRIVER=dummy
 cd build
-ctest --output-on-failure --parallel "$(nproc)"
+xvfb-run -a -s "-screen 0 1280x720x24" ctest --output-on-failure --parallel "$(nproc)"
