@@ -53,10 +53,6 @@ float Random::uniform(float low, float high) {
     return low + (high - low) * unitFromBits(std::uint32_t(next() >> 32));
 }
 
-int Random::integer(int low, int high) {
-    return low + int(next() % std::uint64_t(high - low + 1));
-}
-
 float periodicNoise(float x, float y, int period, std::uint32_t seed) {
     const float px = x * period;
     const float py = y * period;

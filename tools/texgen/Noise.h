@@ -18,7 +18,6 @@ public:
     explicit Random(std::uint64_t seed) : state_(seed) {}
     std::uint64_t next();
     float uniform(float low, float high);
-    int integer(int low, int high);
 
 private:
     std::uint64_t state_;

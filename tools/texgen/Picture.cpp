@@ -26,16 +26,6 @@ float fromSignedByte(std::uint8_t byte) {
     return (float(byte) - 128.0f) / 127.0f;
 }
 
-Picture toGrey(const Field& field) {
-    Picture picture(field.width(), field.height(), 1);
-    for (int y = 0; y < field.height(); ++y) {
-        for (int x = 0; x < field.width(); ++x) {
-            *picture.pixel(x, y) = toByte(field.at(x, y));
-        }
-    }
-    return picture;
-}
-
 Picture toSignedGrey(const Field& field) {
     Picture picture(field.width(), field.height(), 1);
     for (int y = 0; y < field.height(); ++y) {
@@ -80,8 +70,6 @@ void appendBytes(void* context, void* data, int size) {
     out->insert(out->end(), bytes, bytes + size);
 }
 
-} // namespace
-
 std::vector<std::uint8_t> encodePng(const Picture& picture) {
     std::vector<std::uint8_t> png;
     const int stride = picture.width * picture.channels;
@@ -92,6 +80,8 @@ std::vector<std::uint8_t> encodePng(const Picture& picture) {
     }
     return png;
 }
+
+} // namespace
 
 void writePng(const Picture& picture, const std::string& path) {
     const std::vector<std::uint8_t> png = encodePng(picture);

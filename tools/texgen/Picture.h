@@ -29,8 +29,6 @@ std::uint8_t toByte(float unit);
 std::uint8_t toSignedByte(float value);
 float fromSignedByte(std::uint8_t byte);
 
-// Grey picture from a field of values in 0 … 1.
-Picture toGrey(const Field& field);
 // Grey picture from signed values in -1 … 1.
 Picture toSignedGrey(const Field& field);
 // Canvas to RGB (3 channels, alpha dropped) or RGBA (4 channels).
@@ -40,7 +38,5 @@ Picture flippedVertically(const Picture& picture);
 
 // Throws std::runtime_error naming the file when it cannot be written.
 void writePng(const Picture& picture, const std::string& path);
-// PNG bytes as writePng would store them.
-std::vector<std::uint8_t> encodePng(const Picture& picture);
 
 } // namespace texgen

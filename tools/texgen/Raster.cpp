@@ -9,12 +9,6 @@ namespace texgen {
 Field::Field(int width, int height, float value)
     : width_(width), height_(height), values_(std::size_t(width) * height, value) {}
 
-float Field::wrapped(int x, int y) const {
-    const int wx = ((x % width_) + width_) % width_;
-    const int wy = ((y % height_) + height_) % height_;
-    return at(wx, wy);
-}
-
 float Field::orZero(int x, int y) const {
     if (x < 0 || y < 0 || x >= width_ || y >= height_) {
         return 0.0f;
@@ -32,10 +26,6 @@ float Field::sample(float x, float y) const {
     const float top = orZero(x0, y0) * (1.0f - tx) + orZero(x0 + 1, y0) * tx;
     const float bottom = orZero(x0, y0 + 1) * (1.0f - tx) + orZero(x0 + 1, y0 + 1) * tx;
     return top * (1.0f - ty) + bottom * ty;
-}
-
-float Field::maximum() const {
-    return values_.empty() ? 0.0f : *std::max_element(values_.begin(), values_.end());
 }
 
 Colour operator*(Colour c, float k) {

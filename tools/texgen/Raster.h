@@ -16,13 +16,10 @@ public:
     int height() const { return height_; }
     float& at(int x, int y) { return values_[index(x, y)]; }
     float at(int x, int y) const { return values_[index(x, y)]; }
-    // Reads outside the picture repeat it, as a tiling texture does.
-    float wrapped(int x, int y) const;
     // Reads outside the picture return 0.
     float orZero(int x, int y) const;
     // Bilinear read with pixel centres at integer + 0.5; outside the picture it is 0.
     float sample(float x, float y) const;
-    float maximum() const;
 
 private:
     std::size_t index(int x, int y) const { return std::size_t(y) * width_ + x; }

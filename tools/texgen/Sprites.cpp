@@ -77,10 +77,19 @@ Picture puffSprite(int size) {
         const float v = y * 0.5f + 0.5f;
         // Bend the radius with noise so that the flake's outline is ragged, not round.
         const float wobble = periodicFbm(u, v, 4, 3, 0.5f, 0x90F0u);
-        const float r = std::sqrt(x * x + y * y) * (1.0f + 0.45f * wobble);
-        const float body = std::exp(-r * r / (2.0f * 0.26f * 0.26f));
-        const float texture = 0.7f + 0.6f * periodicFbm(u, v, 8, 3, 0.55f, 0x5A0F);
-        const float alpha = clamp01(body * texture * 0.95f);
+        const float r = std::sqrt(x * x + y * y) * (1.0f + 0.5f * wobble);
+        const float body = std::exp(-r * r / (2.0f * 0.22f * 0.22f));
+        const float clumps = 0.6f + 1.2f * periodicFbm(u, v, 8, 3, 0.55f, 0x5A0F);
+        // A few loose fragments drifting beside the main clump.
+        float fragments = 0.0f;
+        for (int i = 0; i < 5; ++i) {
+            const float angle = unitFromBits(hashBits(i * 7 + 1)) * 6.2832f;
+            const float distance = 0.3f + 0.25f * unitFromBits(hashBits(i * 7 + 2));
+            const float dx = x - distance * std::cos(angle);
+            const float dy = y - distance * std::sin(angle);
+            fragments += 0.6f * std::exp(-(dx * dx + dy * dy) / (2.0f * 0.035f * 0.035f));
+        }
+        const float alpha = clamp01(body * clumps * 1.2f + fragments);
         const Colour snow{0.93f, 0.97f, 1.0f};
         return SpriteTexel{snow, alpha};
     });
