@@ -88,13 +88,13 @@ WaveBand bandFor(WaveScale scale) {
     WaveBand band;
     switch (scale) {
     case WaveScale::Swell:
-        band = {2.0f, 6.0f, 0.35f, 0.7f, 1.2f, 1.3f, 18, 0x5E11};
+        band = {2.0f, 6.0f, 0.35f, 0.5f, 1.2f, 1.5f, 14, 0x5E11};
         break;
     case WaveScale::Chop:
-        band = {6.0f, 18.0f, 0.9f, 1.4f, 1.3f, 0.9f, 40, 0xC40F};
+        band = {6.0f, 16.0f, 0.7f, 0.8f, 1.5f, 1.0f, 36, 0xC40F};
         break;
     case WaveScale::Ripples:
-        band = {16.0f, 56.0f, -0.5f, 3.14159f, 1.1f, 0.4f, 90, 0x819E};
+        band = {16.0f, 48.0f, 0.1f, 1.3f, 1.2f, 0.3f, 80, 0x819E};
         break;
     }
     return band;
