@@ -2,7 +2,14 @@
 
 #include "Binary.h"
 #include "File.h"
+#include "Image.h"
+#include "Texture.h"
 
+#include <GL/glew.h>
+
+#include <GL/glu.h>
+
+#include <algorithm>
 #include <iostream>
 
 int KVTIO::ResourceType = KVTIO::KVT_RESOURCES_FLAT;
@@ -65,4 +72,81 @@ Binary* KVTIO::loadBinary(std::string name, int type) {
 
 Binary* KVTIO::loadBinary(std::string name) {
     return loadBinary(std::move(name), ResourceType);
+}
+
+namespace {
+
+void setTextureFilters(GLenum target, bool mipmap) {
+    glTexParameteri(target, GL_TEXTURE_MIN_FILTER, mipmap ? GL_LINEAR_MIPMAP_LINEAR : GL_LINEAR);
+    glTexParameteri(target, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+    glTexEnvi(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, GL_MODULATE);
+}
+
+// Uploads RGB or RGBA pixels (other depths upload nothing), building the mipmap chain with
+// GLU when asked. Rows are tightly packed, so the unpack alignment is 1 while uploading.
+void uploadPixels(const Image& image, GLenum target, bool mipmap) {
+    const int components = image.getBpp() == 32 ? 4 : image.getBpp() == 24 ? 3 : 0;
+    if (components == 0) {
+        return;
+    }
+    const GLenum format = components == 4 ? GL_RGBA : GL_RGB;
+    const int width = image.getWidth();
+    const int height = image.getHeight();
+    const int length = std::max(width, height);
+    const unsigned char* pixels = image.getData();
+    GLint alignment = 4;
+    glGetIntegerv(GL_UNPACK_ALIGNMENT, &alignment);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    if (target == GL_TEXTURE_1D && mipmap) {
+        gluBuild1DMipmaps(target, components, length, format, GL_UNSIGNED_BYTE, pixels);
+    } else if (target == GL_TEXTURE_1D) {
+        glTexImage1D(target, 0, format, length, 0, format, GL_UNSIGNED_BYTE, pixels);
+    } else if (mipmap) {
+        gluBuild2DMipmaps(target, components, width, height, format, GL_UNSIGNED_BYTE, pixels);
+    } else {
+        glTexImage2D(target, 0, format, width, height, 0, format, GL_UNSIGNED_BYTE, pixels);
+    }
+    glPixelStorei(GL_UNPACK_ALIGNMENT, alignment);
+}
+
+void printUploadErrors(const std::string& name) {
+    for (GLenum error = glGetError(); error != GL_NO_ERROR; error = glGetError()) {
+        const GLubyte* text = gluErrorString(error);
+        std::cout << "[GL_ERROR] '" << (text != nullptr ? reinterpret_cast<const char*>(text) : "")
+                  << "' in ->" << name << std::endl;
+    }
+}
+
+} // namespace
+
+Texture* KVTIO::loadTexture(std::string name, unsigned int target, bool mipmap, int type) {
+    if (debug) {
+        std::cout << "Loading texture : " << name << std::endl;
+    }
+    if (type != KVT_RESOURCES_FLAT) {
+        return nullptr;
+    }
+    Image image(name.c_str());
+    if (!image.exists()) {
+        return nullptr;
+    }
+    GLuint id = 0;
+    glGenTextures(1, &id);
+    glBindTexture(target, id);
+    setTextureFilters(target, mipmap);
+    uploadPixels(image, target, mipmap);
+    glBindTexture(target, 0);
+    printUploadErrors(name);
+
+    Texture* texture = new Texture(name, id);
+    texture->setSize(image.getWidth(), image.getHeight());
+    texture->setBPP(image.getBpp());
+    texture->setFileSize(static_cast<int>(image.getDataSize()));
+    texture->setType(target);
+    texture->isMipmapped(mipmap);
+    return texture;
+}
+
+Texture* KVTIO::loadTexture(std::string name, unsigned int target, bool mipmap) {
+    return loadTexture(std::move(name), target, mipmap, ResourceType);
 }

@@ -4,6 +4,7 @@
 
 class Binary;
 class File;
+class Texture;
 
 // The front door to resource files: loose files under the resource folders, or entries of
 // the resource archive. Every loader takes a full relative path (folder constant + name).
@@ -34,6 +35,11 @@ public:
     // A new Binary the caller owns, or none when the file is missing.
     static Binary* loadBinary(std::string name, int type);
     static Binary* loadBinary(std::string name);
+    // A new texture the caller owns, made from the picture file for target GL_TEXTURE_1D
+    // (length = the longer side) or GL_TEXTURE_2D, or none when the file is missing or
+    // cannot be decoded. Archive entries are not read here yet: that type gives none.
+    static Texture* loadTexture(std::string name, unsigned int target, bool mipmap, int type);
+    static Texture* loadTexture(std::string name, unsigned int target, bool mipmap);
 
 private:
     static File* openResource(const std::string& name, int type);
