@@ -12,6 +12,13 @@ public:
     }
 
 protected:
+    // One report line: indent, key, " = ", the entry's own description, a line end.
+    static std::string entryLine(const std::string& indent, const std::string& key,
+                                 const std::string& description) {
+        const bool ended = !description.empty() && description.back() == '\n';
+        return indent + key + " = " + description + (ended ? "" : "\n");
+    }
+
     // Additions made, counting replacements.
     int count = 0;
 };

@@ -1,6 +1,7 @@
 // Entry of gl_tests: one hidden SDL2 window with an OpenGL 2.x compatibility context serves
 // every test of the binary. Listing the tests (CTest's discovery) needs no context.
 #include "KVTDemosys.h"
+#include "ScreenMetrics.h"
 
 #include <GL/glew.h>
 
@@ -11,6 +12,8 @@
 
 namespace {
 
+const int WINDOW_SIZE = 64;
+
 bool openTestContext() {
     if (SDL_Init(SDL_INIT_VIDEO) != 0) {
         std::cerr << "gl_tests: SDL_Init failed: " << SDL_GetError() << std::endl;
@@ -20,8 +23,8 @@ bool openTestContext() {
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 2);
     SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 1);
     SDL_Window* window =
-        SDL_CreateWindow("gl_tests", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, 64, 64,
-                         SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
+        SDL_CreateWindow("gl_tests", SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, WINDOW_SIZE,
+                         WINDOW_SIZE, SDL_WINDOW_OPENGL | SDL_WINDOW_HIDDEN);
     if (window == nullptr) {
         std::cerr << "gl_tests: no window: " << SDL_GetError() << std::endl;
         return false;
@@ -66,7 +69,12 @@ int main(int argc, char** argv) {
     if (!openTestContext() || !initGlew()) {
         return 1;
     }
+    ScreenMetrics metrics;
+    metrics.setResolution(WINDOW_SIZE, WINDOW_SIZE);
+    metrics.initView();
+    KVTDemosys::screenMetrics = &metrics;
     const int result = RUN_ALL_TESTS();
+    KVTDemosys::screenMetrics = nullptr;
     closeTestContext();
     return result;
 }

@@ -1,5 +1,7 @@
 #include "GLTestSupport.h"
 
+#include "FBO.h"
+
 #include <GL/glew.h>
 
 #include <stb_image_write.h>
@@ -41,6 +43,7 @@ void savePng(const std::string& path, int width, int height,
 
 void resetState(int viewportWidth, int viewportHeight) {
     glBindFramebufferEXT(GL_FRAMEBUFFER_EXT, 0);
+    FBO::currentFBO = 0;
     glUseProgram(0);
     glMatrixMode(GL_PROJECTION);
     glLoadIdentity();
@@ -54,6 +57,51 @@ void resetState(int viewportWidth, int viewportHeight) {
     glClearColor(0, 0, 0, 0);
     glColor4f(1, 1, 1, 1);
     glClear(GL_COLOR_BUFFER_BIT);
+}
+
+} // namespace gltest
+
+namespace gltest {
+
+namespace {
+
+PFNGLBINDFRAMEBUFFEREXTPROC realBindFramebuffer = nullptr;
+PFNGLDRAWBUFFERSPROC realDrawBuffers = nullptr;
+int bindCount = 0;
+int drawBuffersCount = 0;
+
+void GLAPIENTRY countingBindFramebuffer(GLenum target, GLuint framebuffer) {
+    ++bindCount;
+    realBindFramebuffer(target, framebuffer);
+}
+
+void GLAPIENTRY countingDrawBuffers(GLsizei n, const GLenum* buffers) {
+    ++drawBuffersCount;
+    realDrawBuffers(n, buffers);
+}
+
+} // namespace
+
+GLCallCounter::GLCallCounter() {
+    bindCount = 0;
+    drawBuffersCount = 0;
+    realBindFramebuffer = __glewBindFramebufferEXT;
+    realDrawBuffers = __glewDrawBuffers;
+    __glewBindFramebufferEXT = countingBindFramebuffer;
+    __glewDrawBuffers = countingDrawBuffers;
+}
+
+GLCallCounter::~GLCallCounter() {
+    __glewBindFramebufferEXT = realBindFramebuffer;
+    __glewDrawBuffers = realDrawBuffers;
+}
+
+int GLCallCounter::framebufferBinds() const {
+    return bindCount;
+}
+
+int GLCallCounter::drawBuffersCalls() const {
+    return drawBuffersCount;
 }
 
 } // namespace gltest

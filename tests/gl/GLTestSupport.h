@@ -24,7 +24,25 @@ std::vector<float> readRgbFloat(int x, int y, int width, int height);
 void savePng(const std::string& path, int width, int height,
              const std::vector<unsigned char>& rgba);
 
-// Identity matrices, the given viewport, no shader, black clear colour, no blending or depth.
+// The screen bound, identity matrices, the given viewport, no shader, black clear colour, no
+// blending or depth.
 void resetState(int viewportWidth, int viewportHeight);
+
+} // namespace gltest
+
+namespace gltest {
+
+// While alive, counts the calls the engine makes to glBindFramebufferEXT and glDrawBuffers:
+// GLEW's entry points are swapped for wrappers that count and forward.
+class GLCallCounter {
+public:
+    GLCallCounter();
+    ~GLCallCounter();
+    GLCallCounter(const GLCallCounter&) = delete;
+    GLCallCounter& operator=(const GLCallCounter&) = delete;
+
+    int framebufferBinds() const;
+    int drawBuffersCalls() const;
+};
 
 } // namespace gltest
