@@ -4,6 +4,8 @@
 
 #include <iostream>
 
+DataAnimationPool::DataAnimationPool() = default;
+
 DataAnimationPool::~DataAnimationPool() {
     std::cout << "[Dispose animationPool]" << std::endl;
 }

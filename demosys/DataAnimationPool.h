@@ -10,6 +10,8 @@ class Animation;
 // Camera and object paths by key. Owns its animations.
 class DataAnimationPool : public DataPool {
 public:
+    // Out of line, where the held type is complete.
+    DataAnimationPool();
     ~DataAnimationPool() override;
 
     void addAnimation(std::string key, Animation* animation);

@@ -4,6 +4,8 @@
 
 #include <iostream>
 
+DataBinaryPool::DataBinaryPool() = default;
+
 DataBinaryPool::~DataBinaryPool() {
     std::cout << "[Dispose binaryPool]" << std::endl;
 }

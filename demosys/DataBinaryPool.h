@@ -10,6 +10,8 @@ class Binary;
 // Binary resources by key, also by position in key order. Owns its binaries.
 class DataBinaryPool : public DataPool {
 public:
+    // Out of line, where the held type is complete.
+    DataBinaryPool();
     ~DataBinaryPool() override;
 
     void addData(std::string key, Binary* binary);

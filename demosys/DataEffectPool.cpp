@@ -4,6 +4,8 @@
 
 #include <iostream>
 
+DataEffectPool::DataEffectPool() = default;
+
 DataEffectPool::~DataEffectPool() {
     std::cout << "[Dispose effectPool]" << std::endl;
 }

@@ -11,6 +11,8 @@ class Effect;
 // instance name. Owns its effects.
 class DataEffectPool : public DataPool {
 public:
+    // Out of line, where the held type is complete.
+    DataEffectPool();
     ~DataEffectPool() override;
 
     void addEffect(std::string key, Effect* effect);

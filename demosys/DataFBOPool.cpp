@@ -4,6 +4,10 @@
 
 #include <iostream>
 
+DataFBOPool::DataFBOPool() = default;
+
+DataFBOPool::~DataFBOPool() = default;
+
 void DataFBOPool::addFBO(std::string key, FBO* fbo) {
     ++count;
     fbos.put(key, fbo);

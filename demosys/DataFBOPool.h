@@ -12,6 +12,10 @@ class FBO;
 // Owns its framebuffers.
 class DataFBOPool : public DataPool {
 public:
+    // Out of line, where the held type is complete.
+    DataFBOPool();
+    ~DataFBOPool() override;
+
     void addFBO(std::string key, FBO* fbo);
     // The framebuffer, or null (with a message) when the key is unknown.
     FBO* getFBO(const std::string& key) const;

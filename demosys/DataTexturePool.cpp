@@ -13,6 +13,8 @@ std::string megabytes(long bytes) {
 
 } // namespace
 
+DataTexturePool::DataTexturePool() = default;
+
 DataTexturePool::~DataTexturePool() {
     std::cout << "[Dispose texturePool]" << std::endl;
 }

@@ -13,6 +13,8 @@ class Texture;
 // share one file among declarations. Owns its textures.
 class DataTexturePool : public DataPool {
 public:
+    // Out of line, where the held type is complete.
+    DataTexturePool();
     ~DataTexturePool() override;
 
     void addTexture(std::string key, Texture* texture);

@@ -44,6 +44,12 @@ public:
     void setNormalMap(std::string file) { normalMap = std::move(file); }
 
     void print() const;
+    // Sets the front-and-back material: ambient, diffuse, emission, specular (four floats
+    // each, alpha borrowed as described above), then the shininess.
+    void use() const;
+    // Sets front-and-back ambient and diffuse both to the colour.
+    void useColor(float r, float g, float b, float a) const;
+    void useColor(const Vector<float, 4>& rgba) const;
 
 private:
     enum { AMBIENT = 0, DIFFUSE = 3, EMISSIVE = 6, SPECULAR = 9, SHININESS = 12 };

@@ -11,7 +11,9 @@
 template <typename T> class KeyedObjects {
 public:
     KeyedObjects() = default;
+    // Instantiate only where T is complete: pools define their destructors out of line.
     ~KeyedObjects() {
+        static_assert(sizeof(T) > 0, "T must be complete where the storage is destroyed");
         for (T* object : owned) {
             delete object;
         }

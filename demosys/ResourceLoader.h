@@ -1,0 +1,60 @@
+#pragma once
+
+#include "ResourceInfo.h"
+
+#include <string>
+#include <vector>
+
+class File;
+class Shader;
+
+// Turns the production's declarations into loaded objects. Holds the shader preprocessor
+// (define lines from parameters, recursive "#include") and the per-entry texture step.
+// Every failure clears the valid flag and leaves a message naming the file.
+class ResourceLoader {
+public:
+    // Include expansion stops here: deeper nesting is taken for an include cycle.
+    static constexpr int MAX_INCLUDE_DEPTH = 16;
+    // At most this many files are included into one source, so that a file included
+    // over and over (directly or through others) cannot make the source explode.
+    static constexpr int MAX_INCLUDES = 256;
+
+    ResourceLoader() = default;
+    virtual ~ResourceLoader() = default;
+    ResourceLoader(const ResourceLoader&) = delete;
+    ResourceLoader& operator=(const ResourceLoader&) = delete;
+
+    bool isValid() const { return valid; }
+    std::string getErrorMessage() const { return errorMessage; }
+    // When set, shader additions and include expansions are printed.
+    void setVerbose(bool flag) { verbose = flag; }
+
+    // Appends "#define " + parameter + "\n" for every parameter from the second on.
+    void addShaderParams(std::string& out, std::vector<std::string> params);
+    // Appends the lines to out, replacing every "#include name" line by the expanded
+    // contents of folder + name. fileName and depth serve the messages.
+    bool shaderInclude(std::string& out, std::vector<std::string> lines, std::string folder,
+                       std::string fileName, int depth);
+    // Reads, preprocesses, compiles and links entry.file + ".vert" / ".frag" from the shader
+    // folder into the shader.
+    bool loadShader(Shader* shader, ResourceInfo::ShaderInfo entry);
+
+    // Loads one declared texture into the texture pool, unless a texture of the same file
+    // is there already (the file is then shared and the entry adds nothing).
+    bool loadTextureEntry(const ResourceInfo::TextureInfo& entry);
+
+protected:
+    // Where shader sources come from: a new File the caller owns. Resource files by default.
+    virtual File* openShaderFile(const std::string& path);
+
+private:
+    bool preprocess(std::string& source, const ResourceInfo::ShaderInfo& entry,
+                    const std::string& extension);
+    bool includeFailed(const std::string& line, const std::string& fileName, int depth);
+    bool fail(std::string message);
+
+    std::string errorMessage = "ResourceLoader : unknown";
+    bool valid = true;
+    bool verbose = false;
+    int includeCount = 0;
+};

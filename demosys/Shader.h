@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Vector.h"
+
+#include <string>
+#include <vector>
+
+class Texture;
+
+// One GLSL vertex/fragment pair compiled and linked into a program, with uniform setters by
+// name (looked up at every call, never cached) and a table of the textures bound to texture
+// units while it is in use. Compile and link failures clear the valid flag and keep the
+// driver's log in the error message. The table does not own its textures.
+class Shader {
+public:
+    Shader();
+    ~Shader();
+    Shader(const Shader&) = delete;
+    Shader& operator=(const Shader&) = delete;
+
+    bool setVertexSource(std::string source);
+    bool setFragmentSource(std::string source);
+    bool link();
+
+    // Makes the program current and forgets the texture table.
+    void use();
+    // Leaves the program and releases every texture in the table.
+    void release();
+    void deactivateTextureUnits();
+    void activateTextureUnits() {}
+    void clearTextureUnitList();
+
+    // Binds the texture on the unit and points the named sampler at that unit.
+    void setTextureUnit(unsigned int unit, std::string name, Texture* texture);
+    void setTextureUnit0(std::string name, Texture* texture) { setTextureUnit(0, name, texture); }
+    void setTextureUnit1(std::string name, Texture* texture) { setTextureUnit(1, name, texture); }
+    void setTextureUnit2(std::string name, Texture* texture) { setTextureUnit(2, name, texture); }
+    void setTextureUnit3(std::string name, Texture* texture) { setTextureUnit(3, name, texture); }
+
+    // The integer goes through the float entry point, as the engine has always set it: fine
+    // for float uniforms, an OpenGL error on int and sampler uniforms.
+    void setUniform1i(std::string name, int value);
+    void setUniform1f(std::string name, float value);
+    // The vector setters stay silent when the name is not found; the others report it.
+    void setUniform2f(std::string name, float x, float y);
+    void setUniform3f(std::string name, float x, float y, float z);
+    void setUniform4f(std::string name, float x, float y, float z, float w);
+    void setUniform2fv(std::string name, Vector<float, 2> v);
+    void setUniform3fv(std::string name, Vector<float, 3> v);
+    void setUniform4fv(std::string name, Vector<float, 4> v);
+    void setUniform3x3m(std::string name, float* matrix);
+    void setUniform4x4m(std::string name, float* matrix);
+
+    unsigned int getProgramHandle() const { return program; }
+    bool isValid() const { return valid; }
+    std::string getErrorMessage() const { return errorMessage; }
+    std::string toString() const;
+
+private:
+    bool compile(unsigned int& object, unsigned int kind, const std::string& source);
+    // The uniform's location; -1 when absent, which is reported when asked to.
+    int location(const std::string& name, bool reportMissing) const;
+
+    std::string vertexSource;
+    std::string fragmentSource;
+    unsigned int vertexShader = 0;
+    unsigned int fragmentShader = 0;
+    unsigned int program = 0;
+    bool valid = true;
+    std::string errorMessage;
+    std::vector<Texture*> textureUnits;
+};

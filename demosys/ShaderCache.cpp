@@ -1,0 +1,49 @@
+#include "ShaderCache.h"
+
+#include "DataShaderPool.h"
+#include "DataTexturePool.h"
+#include "KVTAssert.h"
+#include "KVTDemosys.h"
+#include "ShaderInstance.h"
+
+#include <cstddef> // NULL, as the assertion texts spell it
+
+ShaderCache::~ShaderCache() {
+    for (auto& [name, instance] : instances) {
+        delete instance;
+    }
+    instances.clear();
+}
+
+void ShaderCache::addShaderInstance(std::string name, ShaderInstance* instance) {
+    if (shaderInstanceExists(name)) {
+        KVT_ASSERT(0, "demosys/ShaderCache", "addShaderInstance");
+    }
+    instances[name] = instance;
+}
+
+bool ShaderCache::shaderInstanceExists(const std::string& name) const {
+    return instances.count(name) != 0;
+}
+
+ShaderInstance* ShaderCache::getShaderInstance(const std::string& name) const {
+    auto found = instances.find(name);
+    if (found == instances.end()) {
+        KVT_ASSERT(0, "demosys/ShaderCache", "getShaderInstance");
+    }
+    return found->second;
+}
+
+Shader* ShaderCache::GetShader(const std::string& name) const {
+    Shader* shader = KVTDemosys::shaderDataPool->getShader(name);
+    KVT_ASSERT(shader != NULL, "demosys/ShaderCache", "GetShader");
+    return shader;
+}
+
+Texture* ShaderCache::GetTexture(const std::string& name) const {
+    Texture* tex = KVTDemosys::textureDataPool->getTexture(name);
+    // clang-format off
+    KVT_ASSERT(tex!=NULL, "demosys/ShaderCache", "GetTexture");
+    // clang-format on
+    return tex;
+}

@@ -1,0 +1,13 @@
+#include "ShaderInstance.h"
+
+#include "KVTMaterial.h"
+#include "Shader.h"
+
+void ShaderInstance::use(KVTMaterial* material) {
+    material->use();
+    shader->use();
+}
+
+void ShaderInstance::release() {
+    shader->release();
+}
