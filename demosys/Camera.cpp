@@ -1,5 +1,7 @@
 #include "Camera.h"
 
+#include <GL/glew.h>
+
 #include <cmath>
 #include <iostream>
 
@@ -89,4 +91,11 @@ Matrix<float, 4, 4, 16> Camera::updateOrientation() {
 
     position = position + direction * forwardVelocity;
     return pitchFirst;
+}
+
+void Camera::setGLMatrixes() {
+    glMatrixMode(GL_MODELVIEW);
+    const Matrix<float, 4, 4, 16> rotationFirst = updateOrientation();
+    glMultMatrixf(rotationFirst.data());
+    glTranslatef(-position.x(), -position.y(), -position.z());
 }

@@ -37,6 +37,9 @@ public:
     // forward velocity along the direction. Returns the pitch-first rotation matrix, which is
     // the one to multiply into the model-view matrix before translating by -position.
     Matrix<float, 4, 4, 16> updateOrientation();
+    // Selects the model-view matrix, updates the orientation, multiplies the rotation in and
+    // translates by -position.
+    void setGLMatrixes();
 
 private:
     float pitch = 0;
