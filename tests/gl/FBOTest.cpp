@@ -244,17 +244,6 @@ TEST_F(FBOs, SeveralColourTexturesAreDrawnIntoAtOnce) {
     EXPECT_EQ(second[2], 153);
 }
 
-TEST_F(FBOs, ASecondDepthTextureReplacesTheFirst) {
-    auto fbo = rgbaFBO(4, 4);
-    fbo->setDepthTexture(GL_DEPTH_COMPONENT24, GL_DEPTH_COMPONENT);
-    EXPECT_EQ(FBO::toString(fbo.get()), "FBO(4,4,COLOR_BUFFER,DEPTH_BUFFER)");
-    const unsigned int first = FBO::getDepthBuffer(fbo.get())->getID();
-    fbo->setDepthTexture(GL_DEPTH_COMPONENT16, GL_DEPTH_COMPONENT);
-    EXPECT_FALSE(glIsTexture(first));
-    FBO::bind(fbo.get());
-    EXPECT_TRUE(FBO::fboStatus(fbo.get()));
-}
-
 TEST_F(FBOs, DestructionFreesTheTexturesAndTheFramebuffer) {
     auto fbo = rgbaFBO(4, 4, true);
     fbo->addColorTextureBuffer(GL_RGBA, GL_RGBA);

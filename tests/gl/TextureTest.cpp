@@ -104,14 +104,6 @@ TEST_F(TextureFiles, OneDimensionalTexturesSampleAsUploaded) {
     }
 }
 
-TEST_F(TextureFiles, OneDimensionalMipmapsAreBuilt) {
-    std::unique_ptr<Texture> texture(KVTIO::loadTexture(
-        png("line.png", 4, 1, 3, std::vector<unsigned char>(12, 200)), GL_TEXTURE_1D, true, 0));
-    ASSERT_NE(texture, nullptr);
-    EXPECT_EQ(levelWidth(*texture, 2), 1);
-    EXPECT_EQ(texelsOf(*texture, GL_RGB, 3, 2), (std::vector<unsigned char>{200, 200, 200}));
-}
-
 TEST_F(TextureFiles, MissingOrBrokenFilesGiveNoTexture) {
     const std::vector<unsigned char> good =
         testpictures::encodePng(2, 2, 3, std::vector<unsigned char>(12, 9));
@@ -206,16 +198,4 @@ TEST(Texture, TextForm) {
                                   "dimtype=GL_TEXTURE_1D }\n");
     texture.setType(GL_TEXTURE_CUBE_MAP);
     EXPECT_EQ(texture.toString().substr(texture.toString().size() - 10), "dimtype=}\n");
-}
-
-TEST(Texture, UpdateTextureResetsToAPlainTwoDimensionalTexture) {
-    const unsigned char first[] = {1, 2, 3, 4};
-    Texture texture(1, 1, GL_TEXTURE_1D, GL_RGBA, GL_RGBA, first);
-    texture.isMipmapped(true);
-    const std::vector<unsigned char> second(2 * 2 * 4, 77);
-    texture.updateTexture(2, 2, GL_RGBA, GL_RGBA, second.data());
-    EXPECT_EQ(texture.getType(), static_cast<unsigned>(GL_TEXTURE_2D));
-    EXPECT_FALSE(texture.isMipmapped());
-    EXPECT_EQ(texture.getMemorySize(), 16);
-    EXPECT_EQ(texelsOf(texture, GL_RGBA, 16), second);
 }
