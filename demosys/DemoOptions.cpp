@@ -1,0 +1,197 @@
+#include "DemoOptions.h"
+
+#include "KVTTime.h"
+#include "StringUtils.h"
+
+#include <algorithm>
+#include <sys/stat.h>
+
+namespace {
+
+const int OfflineFps = 60;
+
+bool isFolder(const std::string& path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+std::string folderOf(const std::string& file) {
+    size_t slash = file.rfind('/');
+    return slash == std::string::npos ? "." : (slash == 0 ? "/" : file.substr(0, slash));
+}
+
+bool readWhole(const std::string& text, int least, int most, int& out) {
+    if (text.empty() || text.size() > 6 || !StringUtils::isInt(text) || text[0] == '-') {
+        return false;
+    }
+    out = std::stoi(text);
+    return out >= least && out <= most;
+}
+
+// A time written mm:ss:ms with three whole fields.
+bool readTime(const std::string& text, unsigned int& out) {
+    KVTTime time(text);
+    if (!time.isValid() || text.find('-') != std::string::npos) {
+        return false;
+    }
+    out = time.getTicks();
+    return true;
+}
+
+bool readSize(const std::string& text, int& width, int& height) {
+    size_t x = text.find('x');
+    return x != std::string::npos && readWhole(text.substr(0, x), 16, 16384, width) &&
+           readWhole(text.substr(x + 1), 16, 16384, height);
+}
+
+} // namespace
+
+std::string DemoOptions::usage(const std::string& program) {
+    return "Usage: " + program +
+           " [options]\n"
+           "\n"
+           "Plays the demo. Without options a launcher dialog chooses the screen.\n"
+           "\n"
+           "Options:\n"
+           "  --help                show this help and exit\n"
+           "  --version             show the program name and version and exit\n"
+           "  --no-launcher         skip the dialog; the options below choose the screen\n"
+           "  --size WxH            window or screen size (default 1280x720)\n"
+           "  --windowed            play in a window (default without the dialog)\n"
+           "  --fullscreen          play full screen\n"
+           "  --vsync on|off        wait for vertical sync (default on)\n"
+           "  --aa N                antialiasing samples: 0, 2, 4, 6 or 8 (default 0)\n"
+           "  --quality N           0 low, 1 medium, 2 high, 3 ultra (default 2)\n"
+           "  --archive             read resources from resources.7z instead of the folder\n"
+           "  --start mm:ss:ms      play from this time\n"
+           "  --end mm:ss:ms        stop after this time\n"
+           "  --shot mm:ss:ms=FILE.png\n"
+           "                        render the frame at that time to a PNG (repeatable), quit\n"
+           "  --capture DIR --fps N render every frame at N frames a second into DIR as PNGs\n"
+           "  --benchmark           render as fast as possible and print frame statistics\n"
+           "  --pack                write resources.7z from the resource folder and quit\n";
+}
+
+bool DemoOptions::showLauncher() const {
+    return !noLauncher && !framesDriveClock() && !pack;
+}
+
+double DemoOptions::frameStepMs() const {
+    return 1000.0 / (fps > 0 ? fps : OfflineFps);
+}
+
+bool DemoOptions::parse(int argc, const char* const* argv, std::string& error) {
+    for (int i = 1; i < argc; ++i) {
+        std::string name = argv[i];
+        std::string value = i + 1 < argc ? argv[i + 1] : "";
+        bool usedValue = false;
+        if (!parseOption(name, i + 1 < argc ? &value : nullptr, usedValue, error)) {
+            return false;
+        }
+        if (usedValue) {
+            ++i;
+        }
+    }
+    return checkCombination(error);
+}
+
+bool DemoOptions::parseOption(const std::string& name, const std::string* value, bool& usedValue,
+                              std::string& error) {
+    static const std::vector<std::string> withValue = {"--size",    "--vsync",   "--aa",
+                                                       "--quality", "--start",   "--end",
+                                                       "--shot",    "--capture", "--fps"};
+    bool needsValue = std::find(withValue.begin(), withValue.end(), name) != withValue.end();
+    if (needsValue && value == nullptr) {
+        error = "option " + name + " needs a value";
+        return false;
+    }
+    usedValue = needsValue;
+    const std::string text = needsValue ? *value : "";
+    auto invalid = [&](const std::string& expected) {
+        error = "invalid value '" + text + "' for " + name + ": expected " + expected;
+        return false;
+    };
+    if (name == "--help") {
+        help = true;
+    } else if (name == "--version") {
+        version = true;
+    } else if (name == "--no-launcher") {
+        noLauncher = true;
+    } else if (name == "--windowed") {
+        fullscreen = false;
+    } else if (name == "--fullscreen") {
+        fullscreen = true;
+    } else if (name == "--archive") {
+        archive = true;
+    } else if (name == "--pack") {
+        pack = true;
+    } else if (name == "--benchmark") {
+        benchmark = true;
+    } else if (name == "--size") {
+        if (!readSize(text, width, height)) {
+            return invalid("WxH with sides from 16 to 16384, like 1280x720");
+        }
+    } else if (name == "--vsync") {
+        if (text != "on" && text != "off") {
+            return invalid("on or off");
+        }
+        vsync = text == "on";
+    } else if (name == "--aa") {
+        if (!readWhole(text, 0, 8, antialiasing) || antialiasing % 2 != 0) {
+            return invalid("0, 2, 4, 6 or 8");
+        }
+    } else if (name == "--quality") {
+        if (!readWhole(text, 0, 3, quality)) {
+            return invalid("0, 1, 2 or 3");
+        }
+    } else if (name == "--start" || name == "--end") {
+        unsigned int& target = name == "--start" ? startMs : endMs;
+        if (!readTime(text, target)) {
+            return invalid("a time mm:ss:ms, like 01:04:000");
+        }
+        (name == "--start" ? hasStart : hasEnd) = true;
+    } else if (name == "--shot") {
+        size_t equals = text.find('=');
+        Shot shot{0, equals == std::string::npos ? "" : text.substr(equals + 1)};
+        if (equals == std::string::npos || !readTime(text.substr(0, equals), shot.timeMs) ||
+            shot.file.size() < 5 || shot.file.compare(shot.file.size() - 4, 4, ".png") != 0) {
+            return invalid("mm:ss:ms=FILE.png");
+        }
+        if (!isFolder(folderOf(shot.file))) {
+            error = "folder '" + folderOf(shot.file) + "' for " + name + " does not exist";
+            return false;
+        }
+        shots.push_back(shot);
+    } else if (name == "--capture") {
+        if (text.empty() || !isFolder(text)) {
+            error = "folder '" + text + "' for --capture does not exist";
+            return false;
+        }
+        captureDir = text;
+    } else if (name == "--fps") {
+        if (!readWhole(text, 1, 240, fps)) {
+            return invalid("frames a second from 1 to 240");
+        }
+    } else {
+        error = "unknown option '" + name + "'";
+        return false;
+    }
+    return true;
+}
+
+bool DemoOptions::checkCombination(std::string& error) const {
+    if (capture() != (fps > 0)) {
+        error = "--capture DIR and --fps N go together";
+        return false;
+    }
+    if (hasStart && hasEnd && endMs <= startMs) {
+        error = "--end must lie after --start";
+        return false;
+    }
+    int offlineModes = (capture() ? 1 : 0) + (shots.empty() ? 0 : 1) + (benchmark ? 1 : 0);
+    if (offlineModes > 1) {
+        error = "--capture, --shot and --benchmark cannot be combined";
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// The command-line choices of a demo run. Without any option the program shows the launcher
+// dialog and plays normally; options choose the screen without the dialog, limit the part
+// played, render offline (shots, capture, benchmark) or pack the resources.
+class DemoOptions {
+public:
+    struct Shot {
+        unsigned int timeMs;
+        std::string file;
+    };
+
+    // Reads argv; false with a message naming the option and value when one is invalid.
+    bool parse(int argc, const char* const* argv, std::string& error);
+    static std::string usage(const std::string& program);
+
+    // The launcher is skipped with --no-launcher and by every offline mode.
+    bool showLauncher() const;
+    // Offline modes take their clock from the frame counter instead of the music.
+    bool framesDriveClock() const { return capture() || !shots.empty() || benchmark; }
+    bool capture() const { return !captureDir.empty(); }
+    // The fixed time step of offline rendering, in milliseconds per frame.
+    double frameStepMs() const;
+
+    bool help = false;
+    bool version = false;
+    bool noLauncher = false;
+    bool archive = false;
+    bool pack = false;
+    bool benchmark = false;
+    int width = 1280;
+    int height = 720;
+    bool fullscreen = false;
+    bool vsync = true;
+    int antialiasing = 0;
+    int quality = 2;
+    bool hasStart = false;
+    unsigned int startMs = 0;
+    bool hasEnd = false;
+    unsigned int endMs = 0;
+    std::string captureDir;
+    int fps = 0;
+    std::vector<Shot> shots;
+
+private:
+    bool parseOption(const std::string& name, const std::string* value, bool& usedValue,
+                     std::string& error);
+    bool checkCombination(std::string& error) const;
+};
