@@ -5,7 +5,7 @@
 
 File::File(std::string name) : filename(std::move(name)) {}
 
-File::File(std::string name, int openMode) : filename(std::move(name)), mode(openMode) {
+File::File(std::string name, int openMode) : filename(std::move(name)) {
     open(openMode);
 }
 

@@ -69,7 +69,6 @@ private:
     std::string filename;
     std::vector<unsigned char> data;
     std::FILE* stream = nullptr;
-    int mode = READ;
     unsigned int size = 0;
     unsigned int readOffset = 0;
     bool available = false;
