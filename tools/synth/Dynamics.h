@@ -1,0 +1,52 @@
+#pragma once
+
+#include <deque>
+#include <vector>
+
+namespace synth {
+
+// Gentle stereo-linked compressor that glues the mix: above the threshold the level rises by
+// only 1/ratio, with a soft knee and smoothed gain changes.
+class Compressor {
+public:
+    Compressor(double thresholdDb, double ratio, double attackSeconds, double releaseSeconds,
+               double makeupDb, double sampleRate);
+    void process(float* left, float* right, int frames);
+
+private:
+    double gainReductionDb(double levelDb) const;
+
+    double threshold, ratio, makeup;
+    double attackFactor, releaseFactor;
+    double envelopeDb = -120.0;
+};
+
+// Look-ahead brick-wall limiter. The signal is delayed by a window of W samples; the gain
+// applied to a sample is the average of the last W window minima of the needed gain, and each
+// of those windows (W + 1 samples) contains that sample, so the output never exceeds the
+// ceiling, yet the gain moves smoothly.
+class Limiter {
+public:
+    Limiter(double ceilingDb, double lookaheadSeconds, double releaseSeconds, double sampleRate);
+    // Works in place; the output is late by latency() frames.
+    void process(float* left, float* right, int frames);
+    int latency() const { return window; }
+
+private:
+    double windowMinimum(double need);
+
+    double ceiling;
+    int window;
+    double releaseFactor;
+    std::vector<float> delayLeft, delayRight;
+    int delayIndex = 0;
+    // Monotonic queue of (index, need) for the sliding minimum.
+    std::deque<std::pair<long, double>> minima;
+    std::vector<double> recent; // the last `window` smoothed minima, for the average
+    int recentIndex = 0;
+    double recentSum;
+    double released = 1.0;
+    long index = 0;
+};
+
+} // namespace synth

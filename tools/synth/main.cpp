@@ -1,0 +1,8 @@
+#include "Cli.h"
+
+#include <iostream>
+
+int main(int argc, char** argv) {
+    return synth::runCommandLine(std::vector<std::string>(argv + 1, argv + argc), std::cout,
+                                 std::cerr);
+}
