@@ -4,6 +4,7 @@
 #include "File.h"
 #include "Image.h"
 #include "Texture.h"
+#include "archive/arc.h"
 
 #include <GL/glew.h>
 
@@ -23,14 +24,32 @@ const std::string KVTIO::ShaderPath = "resources/shaders/";
 const std::string KVTIO::VideoPath = "resources/video/";
 const std::string KVTIO::TrackPath = "resources/tracks/";
 
+namespace {
+const char* const ARCHIVE_NAME = "resources.7z";
+}
+
 void KVTIO::init(int type) {
     ResourceType = type;
+    if (type == KVT_RESOURCES_7Z) {
+        arc_load(ARCHIVE_NAME);
+    }
     debug = false;
+}
+
+void KVTIO::destroy() {
+    if (ResourceType == KVT_RESOURCES_7Z) {
+        arc_close();
+    }
 }
 
 File* KVTIO::openResource(const std::string& name, int type) {
     if (type == KVT_RESOURCES_FLAT) {
         return new File(name, File::READ);
+    }
+    if (type == KVT_RESOURCES_7Z) {
+        File* file = new File(name);
+        arc_getFile(file);
+        return file;
     }
     return nullptr;
 }
@@ -117,19 +136,8 @@ void printUploadErrors(const std::string& name) {
     }
 }
 
-} // namespace
-
-Texture* KVTIO::loadTexture(std::string name, unsigned int target, bool mipmap, int type) {
-    if (debug) {
-        std::cout << "Loading texture : " << name << std::endl;
-    }
-    if (type != KVT_RESOURCES_FLAT) {
-        return nullptr;
-    }
-    Image image(name.c_str());
-    if (!image.exists()) {
-        return nullptr;
-    }
+Texture* uploadTexture(const Image& image, const std::string& name, unsigned int target,
+                       bool mipmap) {
     GLuint id = 0;
     glGenTextures(1, &id);
     glBindTexture(target, id);
@@ -145,6 +153,29 @@ Texture* KVTIO::loadTexture(std::string name, unsigned int target, bool mipmap, 
     texture->setType(target);
     texture->isMipmapped(mipmap);
     return texture;
+}
+
+// The decoded picture of a loose file or an archive entry; exists() tells whether it worked.
+Image readImage(const std::string& name, int type) {
+    if (type == KVTIO::KVT_RESOURCES_FLAT) {
+        return Image(name.c_str());
+    }
+    Image image;
+    if (type == KVTIO::KVT_RESOURCES_7Z) {
+        image.setFileName(name);
+        arc_getImage(&image);
+    }
+    return image;
+}
+
+} // namespace
+
+Texture* KVTIO::loadTexture(std::string name, unsigned int target, bool mipmap, int type) {
+    if (debug) {
+        std::cout << "Loading texture : " << name << std::endl;
+    }
+    const Image image = readImage(name, type);
+    return image.exists() ? uploadTexture(image, name, target, mipmap) : nullptr;
 }
 
 Texture* KVTIO::loadTexture(std::string name, unsigned int target, bool mipmap) {

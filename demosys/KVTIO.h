@@ -25,7 +25,11 @@ public:
     static const std::string VideoPath;
     static const std::string TrackPath;
 
+    // Archive mode opens "resources.7z"; a missing or damaged archive is not reported here
+    // but shows as resources that do not exist.
     static void init(int type);
+    // Closes the archive in archive mode.
+    static void destroy();
 
     // A new File the caller owns (test exists()); none for an unknown type.
     static File* loadFile(std::string name, int type);
@@ -37,7 +41,7 @@ public:
     static Binary* loadBinary(std::string name);
     // A new texture the caller owns, made from the picture file for target GL_TEXTURE_1D
     // (length = the longer side) or GL_TEXTURE_2D, or none when the file is missing or
-    // cannot be decoded. Archive entries are not read here yet: that type gives none.
+    // cannot be decoded.
     static Texture* loadTexture(std::string name, unsigned int target, bool mipmap, int type);
     static Texture* loadTexture(std::string name, unsigned int target, bool mipmap);
 
