@@ -1,10 +1,19 @@
 #pragma once
 
+#include <array>
+
 // The chosen screen: its size and mode flags, and the 16:9 letterboxed viewport every frame
 // is drawn into (the picture is centred vertically; a screen wider than 16:9 is cut at top
-// and bottom instead).
+// and bottom instead). It also owns the perspective projection every frame is drawn with.
 class ScreenMetrics {
 public:
+    // Column-major 4x4 matrix, as glLoadMatrixf takes it.
+    using Matrix4 = std::array<float, 16>;
+
+    ScreenMetrics();
+
+    // The screen mode word: 2 from construction on; kept for the production to read.
+    int getMode() const { return mode; }
     int getWidth() const { return width; }
     int getHeight() const { return height; }
     void setResolution(int w, int h) {
@@ -32,26 +41,45 @@ public:
     int getViewportHeight() const { return viewportHeight; }
     float getAspect() const { return aspect; }
     float getFov() const { return fov; }
+    float getScaleX() const { return scaleX; }
+    float getScaleY() const { return scaleY; }
+    float getAspectW() const { return aspectW; }
+    float getAspectH() const { return aspectH; }
+    const Matrix4& getProjection() const { return projection; }
 
     // Computes the letterboxed viewport for the current size.
     void initView();
     // Stores the new size, then recomputes the viewport.
     void resize(int w, int h);
+    // With the projection matrix selected: sets the viewport, loads the perspective
+    // projection and leaves the model-view matrix selected.
+    void setView();
+    // Rebuilds the perspective projection from fov, aspect and the clip planes, without GL.
+    void updateMatrix();
 
 private:
+    void refreshScales();
+
+    int mode = 2;
     int height = 0;
     int width = 0;
     float fov = 0;
+    Matrix4 projection{};
     int viewportX = 0;
     int viewportY = 0;
     int viewportHeight = 0;
     int viewportWidth = 0;
     float aspect = 0;
+    float scaleX = 0;
+    float scaleY = 0;
     bool fullscreen = true;
     bool fullscreenOverride = false;
     int fsaaSamples = 0;
     bool vsync = true;
     bool vsyncOverride = false;
+    // The 16:9 target as height per width.
+    float aspectW = 1.0f;
+    float aspectH = 0.5625f;
     float nearPlane = 1.0f;
     float farPlane = 800.0f;
 };
