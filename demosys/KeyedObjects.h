@@ -45,6 +45,8 @@ public:
     }
 
     const std::map<std::string, T*>& map() const { return byKey; }
+    // Every object owned, in the order first added, also those no key names any more.
+    const std::vector<T*>& objects() const { return owned; }
     int size() const { return static_cast<int>(byKey.size()); }
 
 private:
