@@ -153,6 +153,19 @@ TEST(Render, NotesStartAndEndWithoutSteps) {
     EXPECT_LT(measureLevels(audio, 44100 + 441, 88200).peak, 1e-3) << "silent after its release";
 }
 
+TEST(Render, LegatoNotesChangeVelocityWithoutAStep) {
+    const AudioBuffer audio =
+        renderSong(songWith("instrument bass synth\n wave sine mono on sustain 1\nend\n"
+                            "pattern p 1/2\n C3 C3@0.3\nend\n",
+                            " 1 bass p\n"));
+    const double peak = measureLevels(audio, 0, audio.frames()).peak;
+    float jump = 0.0f;
+    for (size_t i = 44100 - 400; i < 44100 + 400; ++i)
+        jump = std::max(jump, std::fabs(audio.left[i] - audio.left[i - 1]));
+    // A 131 Hz sine moves at most 2 pi 131 / 44100 of its peak from one sample to the next.
+    EXPECT_LT(jump, 0.025 * peak);
+}
+
 TEST(Render, AutomationAndMasterFadeShapeTheLevel) {
     const AudioBuffer audio = renderSong(songWith(
         "instrument tone synth\n wave sine\nend\npattern p 1\n A3\nend\n"

@@ -37,7 +37,8 @@ void Compressor::process(float* left, float* right, int frames) {
         const double levelDb = 20.0 * std::log10(std::max(peak, 1e-6));
         const double factor = levelDb > envelopeDb ? attackFactor : releaseFactor;
         envelopeDb = levelDb + factor * (envelopeDb - levelDb);
-        const double gain = std::pow(10.0, -gainReductionDb(envelopeDb) / 20.0) * makeup;
+        const double reduction = gainReductionDb(envelopeDb);
+        const double gain = reduction > 0.0 ? std::pow(10.0, -reduction / 20.0) * makeup : makeup;
         left[n] = static_cast<float>(left[n] * gain);
         right[n] = static_cast<float>(right[n] * gain);
     }

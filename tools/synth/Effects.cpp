@@ -1,13 +1,11 @@
 #include "Effects.h"
 
+#include "Oscillator.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace synth {
-namespace {
-constexpr double kTwoPi = 6.283185307179586;
-}
-
 void DelayLine::resize(int frames) {
     buffer.assign(static_cast<size_t>(std::max(frames, 2)), 0.0f);
     writeIndex = 0;
@@ -58,9 +56,9 @@ void Chorus::process(float* left, float* right, int frames) {
     for (int n = 0; n < frames; ++n) {
         lineLeft.push(left[n]);
         lineRight.push(right[n]);
-        const double angle = kTwoPi * phase;
-        const float wetLeft = lineLeft.read(base + depth * std::sin(angle));
-        const float wetRight = lineRight.read(base + depth * std::cos(angle));
+        const double quarterOn = phase < 0.75 ? phase + 0.25 : phase - 0.75;
+        const float wetLeft = lineLeft.read(base + depth * sineOfPhase(phase));
+        const float wetRight = lineRight.read(base + depth * sineOfPhase(quarterOn));
         left[n] = left[n] * dryGain + wetLeft * wetGain;
         right[n] = right[n] * dryGain + wetRight * wetGain;
         phase += step;

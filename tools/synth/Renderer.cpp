@@ -6,6 +6,7 @@
 #include "Track.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <memory>
 #include <thread>
@@ -39,16 +40,19 @@ void accumulate(StereoChunk& sum, const StereoChunk& part, int frames) {
     }
 }
 
+// Each thread takes the next track nobody has started; a track's output depends only on
+// its own state, so who renders it does not matter.
 void renderTracks(std::vector<std::unique_ptr<Track>>& tracks, long start, int frames,
                   int threads) {
-    auto work = [&](size_t first) {
-        for (size_t i = first; i < tracks.size(); i += static_cast<size_t>(threads))
+    std::atomic<size_t> next{0};
+    auto work = [&]() {
+        for (size_t i = next++; i < tracks.size(); i = next++)
             tracks[i]->render(start, frames);
     };
     std::vector<std::thread> helpers;
     for (int t = 1; t < threads; ++t)
-        helpers.emplace_back(work, static_cast<size_t>(t));
-    work(0);
+        helpers.emplace_back(work);
+    work();
     for (std::thread& helper : helpers)
         helper.join();
 }
@@ -134,8 +138,10 @@ AudioBuffer renderSong(const Song& song, int threads) {
         toDelay.clear(frames);
         for (const auto& track : tracks) {
             accumulate(mixed, track->dry(), frames);
-            accumulate(toReverb, track->reverbSend(), frames);
-            accumulate(toDelay, track->delaySend(), frames);
+            if (track->feedsReverb())
+                accumulate(toReverb, track->reverbSend(), frames);
+            if (track->feedsDelay())
+                accumulate(toDelay, track->delaySend(), frames);
         }
         echoes.clear(frames);
         delay.process(toDelay.left.data(), toDelay.right.data(), echoes.left.data(),

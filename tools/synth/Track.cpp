@@ -163,8 +163,11 @@ Track::MixGains Track::mixGains(long frame) const {
 }
 
 void Track::mix(long startFrame, int frames) {
-    reverb.clear(frames);
-    delay.clear(frames);
+    const bool sendReverb = feedsReverb(), sendDelay = feedsDelay();
+    if (sendReverb)
+        reverb.clear(frames);
+    if (sendDelay)
+        delay.clear(frames);
     for (int offset = 0; offset < frames; offset += kControlFrames) {
         const int length = std::min(kControlFrames, frames - offset);
         // Ramp every gain from this block's start to its end.
@@ -181,10 +184,14 @@ void Track::mix(long startFrame, int frames) {
             const float toDelay = static_cast<float>(from.delay + (to.delay - from.delay) * t);
             output.left[i] = left;
             output.right[i] = right;
-            reverb.left[i] = left * toReverb;
-            reverb.right[i] = right * toReverb;
-            delay.left[i] = left * toDelay;
-            delay.right[i] = right * toDelay;
+            if (sendReverb) {
+                reverb.left[i] = left * toReverb;
+                reverb.right[i] = right * toReverb;
+            }
+            if (sendDelay) {
+                delay.left[i] = left * toDelay;
+                delay.right[i] = right * toDelay;
+            }
         }
     }
 }

@@ -27,6 +27,9 @@ public:
     const StereoChunk& dry() const { return output; }
     const StereoChunk& reverbSend() const { return reverb; }
     const StereoChunk& delaySend() const { return delay; }
+    // Whether the sends carry anything at all; silent ones are neither filled nor mixed.
+    bool feedsReverb() const { return reverbLevel.used(); }
+    bool feedsDelay() const { return delayLevel.used(); }
 
 private:
     struct ScheduledNote {
@@ -40,6 +43,7 @@ private:
         const Automation* curve = nullptr;
         double fixed = 0.0;
         double at(double beat) const { return curve ? curve->valueAt(beat) : fixed; }
+        bool used() const { return curve || fixed != 0.0; }
     };
     struct MixGains {
         double left, right, reverb, delay;

@@ -56,7 +56,8 @@ struct SynthPatch {
 
 class SynthVoice : public Voice {
 public:
-    SynthVoice(const ParamSet& params, double rate) : patch(params), sampleRate(rate) {
+    SynthVoice(const ParamSet& params, double rate)
+        : patch(params), sampleRate(rate), velocityGlide(1.0 - decayFactor(0.004, rate)) {
         amp.setSampleRate(rate);
         filterEnvelope.setSampleRate(rate);
         subOscillator.setWaveform(Waveform::Sine);
@@ -88,6 +89,7 @@ public:
         filterLeft.reset();
         filterRight.reset();
         key = note.key;
+        velocity = note.velocity;
         age = 0;
         vibratoPhase = 0.0;
         trigger(note);
@@ -110,17 +112,18 @@ public:
     void render(float* left, float* right, int frames, const VoiceControl& control) override {
         updatePitch(frames);
         updateFilter(control.cutoff);
-        if (stereo)
-            renderStereo(left, right, frames);
-        else
-            renderMono(left, right, frames);
+        for (int done = 0; done < frames; done += kBlock) {
+            const int count = std::min(kBlock, frames - done);
+            mixOscillators(count);
+            filterAndShape(left + done, right + done, count);
+        }
         age += frames;
     }
 
 private:
     void trigger(const NoteStart& note) {
         targetKey = note.key;
-        velocity = note.velocity;
+        targetVelocity = note.velocity;
         amp.set(patch.attack, patch.decay, patch.sustain, patch.release);
         filterEnvelope.set(patch.filterAttack, patch.filterDecay, patch.filterSustain,
                            patch.filterRelease);
@@ -167,54 +170,58 @@ private:
         return value;
     }
 
-    void renderMono(float* left, float* right, int frames) {
+    // Sums the oscillators into mixLeft (and mixRight when the copies are spread in stereo).
+    void mixOscillators(int frames) {
+        std::fill(mixLeft, mixLeft + frames, 0.0);
+        std::fill(mixRight, mixRight + frames, 0.0);
         const bool second = patch.mix2 > 0.0;
-        for (int n = 0; n < frames; ++n) {
-            double sum = 0.0;
-            for (int i = 0; i < patch.unison; ++i) {
-                sum += primary[i].next();
+        for (int i = 0; i < patch.unison; ++i) {
+            if (!stereo) {
+                primary[i].addTo(mixLeft, frames, unisonGain);
                 if (second)
-                    sum += patch.mix2 * secondary[i].next();
+                    secondary[i].addTo(mixLeft, frames, unisonGain * patch.mix2);
+                continue;
             }
-            const double filtered = filterLeft.lowPass(sum * unisonGain + centre());
-            const float out = static_cast<float>(filtered * amp.next() * velocity);
-            filterEnvelope.next();
-            left[n] += out;
-            right[n] += out;
+            std::fill(single, single + frames, 0.0);
+            primary[i].addTo(single, frames, unisonGain);
+            if (second)
+                secondary[i].addTo(single, frames, unisonGain * patch.mix2);
+            for (int n = 0; n < frames; ++n) {
+                mixLeft[n] += single[n] * gainLeft[i];
+                mixRight[n] += single[n] * gainRight[i];
+            }
         }
     }
 
-    void renderStereo(float* left, float* right, int frames) {
-        const bool second = patch.mix2 > 0.0;
+    void filterAndShape(float* left, float* right, int frames) {
         for (int n = 0; n < frames; ++n) {
-            double sumLeft = 0.0, sumRight = 0.0;
-            for (int i = 0; i < patch.unison; ++i) {
-                double value = primary[i].next();
-                if (second)
-                    value += patch.mix2 * secondary[i].next();
-                sumLeft += value * gainLeft[i];
-                sumRight += value * gainRight[i];
-            }
             const double middle = centre();
+            // A legato note may change the velocity: glide there instead of stepping.
+            velocity += (targetVelocity - velocity) * velocityGlide;
             const double gain = amp.next() * velocity;
             filterEnvelope.next();
-            left[n] += static_cast<float>(filterLeft.lowPass(sumLeft * unisonGain + middle) * gain);
-            right[n] +=
-                static_cast<float>(filterRight.lowPass(sumRight * unisonGain + middle) * gain);
+            const double outLeft = filterLeft.lowPass(mixLeft[n] + middle) * gain;
+            const double outRight =
+                stereo ? filterRight.lowPass(mixRight[n] + middle) * gain : outLeft;
+            left[n] += static_cast<float>(outLeft);
+            right[n] += static_cast<float>(outRight);
         }
     }
 
+    static constexpr int kBlock = 64;
     static constexpr int kMaxUnison = 9;
     SynthPatch patch;
     double sampleRate;
     Oscillator primary[kMaxUnison], secondary[kMaxUnison], subOscillator;
     double detune[kMaxUnison] = {}, gainLeft[kMaxUnison] = {}, gainRight[kMaxUnison] = {};
+    double mixLeft[kBlock], mixRight[kBlock], single[kBlock];
     bool stereo = false;
     double unisonGain = 1.0;
     Noise noise;
     Envelope amp, filterEnvelope;
     StateVariableFilter filterLeft, filterRight;
-    double key = 60.0, targetKey = 60.0, velocity = 1.0, vibratoPhase = 0.0;
+    double key = 60.0, targetKey = 60.0, velocity = 1.0, targetVelocity = 1.0;
+    double velocityGlide = 1.0, vibratoPhase = 0.0;
     long age = 0;
 };
 
@@ -369,7 +376,7 @@ public:
         phase = 0.0;
     }
     double next() {
-        const double value = std::sin(kTwoPi * phase);
+        const double value = sineOfPhase(phase);
         phase += (end + (start - end) * envelope) / sampleRate;
         phase -= std::floor(phase);
         envelope *= factor;
@@ -400,7 +407,7 @@ private:
     }
     double next() override {
         double value = body.next() + clickFilter.process(noise.next()) * clickLevel;
-        value = std::tanh(value * drive) / std::tanh(drive);
+        value = softClip(value * drive) / softClip(drive);
         const double out = value * amp;
         amp *= ampFactor;
         clickLevel *= clickFactor;
