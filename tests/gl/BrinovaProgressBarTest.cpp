@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -29,8 +30,8 @@ const Rgba RED{255, 0, 0, 255};
 const Rgba GREEN{0, 255, 0, 255};
 const Rgba BLUE{0, 0, 255, 255};
 
-// Rows of one colour, top row first, as a picture file holds them.
-std::vector<unsigned char> rows(int width, int height, std::vector<unsigned char> rgba) {
+// Pixels of one RGBA colour, as many as the picture holds.
+std::vector<unsigned char> filled(int width, int height, std::vector<unsigned char> rgba) {
     std::vector<unsigned char> pixels;
     for (int i = 0; i < width * height; ++i) {
         pixels.insert(pixels.end(), rgba.begin(), rgba.end());
@@ -41,8 +42,8 @@ std::vector<unsigned char> rows(int width, int height, std::vector<unsigned char
 // A picture whose top half is one RGBA colour and bottom half another.
 std::vector<unsigned char> halves(std::vector<unsigned char> top,
                                   std::vector<unsigned char> bottom) {
-    std::vector<unsigned char> png = rows(4, 2, top);
-    const std::vector<unsigned char> lower = rows(4, 2, bottom);
+    std::vector<unsigned char> png = filled(4, 2, top);
+    const std::vector<unsigned char> lower = filled(4, 2, bottom);
     png.insert(png.end(), lower.begin(), lower.end());
     return testpictures::encodePng(4, 4, 4, png);
 }
@@ -104,14 +105,6 @@ int column(float x) {
 }
 
 } // namespace
-
-TEST_F(BrinovaBar, ListsThePicturesItLoads) {
-    BrinovaProgressBar bar;
-    loadTestPictures(bar);
-    ASSERT_EQ(bar.getResourceCount(), 2);
-    EXPECT_EQ(bar.getResource(0), "resources/graphics/Loader1.png");
-    EXPECT_EQ(bar.getResource(1), "resources/graphics/Loader2.png");
-}
 
 // The pictures are stored bottom row first: the file's last rows show at the top. The
 // overlay's opaque half therefore covers the bottom of the screen, its transparent half lets

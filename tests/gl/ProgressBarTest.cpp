@@ -82,16 +82,6 @@ TEST_F(BarDrawing, TheFillGrowsInsideTheFrameWithTheProgress) {
     EXPECT_EQ(pixelAt(200, 154), WHITE);
 }
 
-TEST_F(BarDrawing, TheLastTickShowsAllStepsButItself) {
-    bindTarget(800, 400);
-    ProgressBar bar(0.5f, 1.6f, 0.0f, 4);
-    for (int i = 0; i < 4; ++i) {
-        bar.tick();
-    }
-    // Three quarters shown on the last tick: the fill ends at 86 + 628 * 0.75 = 557.
-    EXPECT_EQ(whiteRuns(200, 800), (Runs{{80, 84}, {86, 557}, {716, 720}}));
-}
-
 TEST_F(BarDrawing, TheDefaultBarSitsAtTheBottomAndTheMatricesAreKept) {
     bindTarget(800, 400);
     glMatrixMode(GL_MODELVIEW);
