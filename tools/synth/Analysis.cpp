@@ -19,7 +19,7 @@ constexpr int kSpectrogramWindow = 4096;
 constexpr int kSpectrogramHeight = 480;
 constexpr double kSpectrogramColumnsPerSecond = 10.0;
 constexpr double kLowestHz = 30.0, kHighestHz = 16000.0;
-constexpr double kFloorDb = -110.0, kTopDb = -20.0;
+constexpr double kFloorDb = -110.0, kTopDb = -6.0;
 
 double toDb(double value) {
     return 20.0 * std::log10(std::max(value, 1e-9));
@@ -96,24 +96,7 @@ void paintMarkers(std::vector<unsigned char>& pixels, int width, const Song& son
     }
 }
 
-} // namespace
-
-Levels measureLevels(const AudioBuffer& audio, long begin, long end) {
-    Levels levels;
-    double sum = 0.0;
-    begin = std::max(0L, begin);
-    end = std::min(end, audio.frames());
-    for (long i = begin; i < end; ++i) {
-        const double l = audio.left[static_cast<size_t>(i)];
-        const double r = audio.right[static_cast<size_t>(i)];
-        levels.peak = std::max({levels.peak, std::fabs(l), std::fabs(r)});
-        sum += l * l + r * r;
-    }
-    if (end > begin)
-        levels.rms = std::sqrt(sum / (2.0 * static_cast<double>(end - begin)));
-    return levels;
-}
-
+// Spectral flux of the mono mix, one value every 10 ms: how much new energy each frame adds.
 std::vector<double> onsetStrength(const AudioBuffer& audio) {
     const std::vector<float> mono = monoMix(audio);
     const long hop = std::lround(kOnsetHopSeconds * audio.sampleRate);
@@ -133,6 +116,24 @@ std::vector<double> onsetStrength(const AudioBuffer& audio) {
         previous = std::move(magnitudes);
     }
     return strength;
+}
+
+} // namespace
+
+Levels measureLevels(const AudioBuffer& audio, long begin, long end) {
+    Levels levels;
+    double sum = 0.0;
+    begin = std::max(0L, begin);
+    end = std::min(end, audio.frames());
+    for (long i = begin; i < end; ++i) {
+        const double l = audio.left[static_cast<size_t>(i)];
+        const double r = audio.right[static_cast<size_t>(i)];
+        levels.peak = std::max({levels.peak, std::fabs(l), std::fabs(r)});
+        sum += l * l + r * r;
+    }
+    if (end > begin)
+        levels.rms = std::sqrt(sum / (2.0 * static_cast<double>(end - begin)));
+    return levels;
 }
 
 double estimateTempo(const AudioBuffer& audio, double slowest, double fastest) {

@@ -36,9 +36,6 @@ struct AnalysisReport {
 
 Levels measureLevels(const AudioBuffer& audio, long begin, long end);
 
-// Spectral flux of the mono mix, one value every 10 ms: how much new energy each frame adds.
-std::vector<double> onsetStrength(const AudioBuffer& audio);
-
 // Tempo in beats per minute between `slowest` and `fastest`, from the strongest periodicity
 // (autocorrelation) of the onset strength.
 double estimateTempo(const AudioBuffer& audio, double slowest = 80.0, double fastest = 160.0);

@@ -129,13 +129,6 @@ std::vector<ParamSpec> withMixer(std::vector<ParamSpec> specs) {
 
 } // namespace
 
-const char* kindName(InstrumentKind kind) {
-    for (const KindName& entry : kKinds)
-        if (entry.kind == kind)
-            return entry.name;
-    return "?";
-}
-
 bool kindFromName(const std::string& name, InstrumentKind& kind) {
     for (const KindName& entry : kKinds)
         if (name == entry.name) {

@@ -66,7 +66,6 @@ struct Song {
     const Automation* findAutomation(int instrument, const std::string& param) const;
 };
 
-const char* kindName(InstrumentKind kind);
 // The kind with that name; false when there is none.
 bool kindFromName(const std::string& name, InstrumentKind& kind);
 // Parameter tables. Every instrument kind also understands the mixer's parameters.
