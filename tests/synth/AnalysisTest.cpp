@@ -71,7 +71,7 @@ TEST(Analysis, ReportsSectionsFromTheSong) {
 TEST(Analysis, DrawsASpectrogramTenColumnsASecond) {
     const Song song =
         parseSong("song\n tempo 120 length 8\nend\nsections\n 1 a\n 3 b\nend\n", "test.song");
-    const std::string path = testing::TempDir() + "spectrogram_test.png";
+    const std::string path = scratchPath("spectrogram.png");
     writeSpectrogram(clickTrack(120.0, 8.0), &song, path);
     int width = 0, height = 0, channels = 0;
     ASSERT_TRUE(stbi_info(path.c_str(), &width, &height, &channels));

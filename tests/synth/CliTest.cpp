@@ -1,5 +1,6 @@
 #include "Cli.h"
 #include "AudioFile.h"
+#include "SignalHelpers.h"
 
 #include <gtest/gtest.h>
 
@@ -26,11 +27,15 @@ bool exists(const std::string& path) {
     return std::ifstream(path).good();
 }
 
-std::string writeFile(const std::string& name, const std::string& text) {
-    const std::string path = testing::TempDir() + name;
-    std::ofstream(path) << text;
-    return path;
-}
+// A song file that is deleted again when the test ends.
+struct SongFile {
+    SongFile(const std::string& name, const std::string& text)
+        : path(synth_test::scratchPath(name)) {
+        std::ofstream(path) << text;
+    }
+    ~SongFile() { std::remove(path.c_str()); }
+    const std::string path;
+};
 
 const char* const kShortSong = "song\n tempo 120 length 3.5\nend\n"
                                "instrument tone synth\nend\n"
@@ -40,13 +45,13 @@ const char* const kShortSong = "song\n tempo 120 length 3.5\nend\n"
 } // namespace
 
 TEST(CommandLine, BadSongFailsNamingTheSpotAndWritesNothing) {
-    const std::string song = writeFile("bad.song", "song\n tempo 120 length 4\nend\n"
-                                                   "arrange\n 1 piano riff\nend\n");
-    const std::string output = testing::TempDir() + "bad.wav";
+    const SongFile bad("bad.song", "song\n tempo 120 length 4\nend\n"
+                                   "arrange\n 1 piano riff\nend\n");
+    const std::string output = synth_test::scratchPath("bad.wav");
     std::remove(output.c_str());
-    const Result result = run({"render", song, "-o", output});
+    const Result result = run({"render", bad.path, "-o", output});
     EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.err.find(song + ":5:4: unknown instrument 'piano'"), std::string::npos)
+    EXPECT_NE(result.err.find(bad.path + ":5:4: unknown instrument 'piano'"), std::string::npos)
         << result.err;
     EXPECT_FALSE(exists(output));
     EXPECT_FALSE(exists(output + ".part"));
@@ -67,22 +72,24 @@ TEST(CommandLine, WrongOptionsAreUsageErrors) {
 }
 
 TEST(CommandLine, MissingFilesAreNamed) {
-    const Result song = run({"render", "/nonexistent/a.song", "-o", testing::TempDir() + "a.wav"});
+    const Result song =
+        run({"render", "/nonexistent/a.song", "-o", synth_test::scratchPath("a.wav")});
     EXPECT_EQ(song.status, 1);
     EXPECT_NE(song.err.find("/nonexistent/a.song: cannot open"), std::string::npos);
     const Result audio = run({"analyze", "/nonexistent/a.mp3"});
     EXPECT_EQ(audio.status, 1);
     EXPECT_NE(audio.err.find("'/nonexistent/a.mp3'"), std::string::npos);
     const Result output =
-        run({"render", writeFile("ok.song", kShortSong), "-o", "/nonexistent/a.wav"});
+        run({"render", SongFile("ok.song", kShortSong).path, "-o", "/nonexistent/a.wav"});
     EXPECT_EQ(output.status, 1);
     EXPECT_NE(output.err.find("'/nonexistent/a.wav'"), std::string::npos);
 }
 
 TEST(CommandLine, WritesEveryFormatAtTheSongsExactLength) {
-    const std::string song = writeFile("ok.song", kShortSong);
+    const SongFile ok("ok.song", kShortSong);
+    const std::string& song = ok.path;
     for (const char* extension : {"wav", "flac", "ogg", "mp3"}) {
-        const std::string output = testing::TempDir() + "ok." + extension;
+        const std::string output = synth_test::scratchPath(std::string("ok.") + extension);
         const Result result = run({"render", song, "-o", output});
         ASSERT_EQ(result.status, 0) << result.err;
         EXPECT_NE(result.out.find("render time"), std::string::npos);
@@ -94,10 +101,11 @@ TEST(CommandLine, WritesEveryFormatAtTheSongsExactLength) {
 }
 
 TEST(CommandLine, AnalyzePrintsTheReport) {
-    const std::string song = writeFile("ok.song", kShortSong);
-    const std::string audio = testing::TempDir() + "analyze.wav";
+    const SongFile ok("ok.song", kShortSong);
+    const std::string& song = ok.path;
+    const std::string audio = synth_test::scratchPath("analyze.wav");
     ASSERT_EQ(run({"render", song, "-o", audio}).status, 0);
-    const std::string picture = testing::TempDir() + "analyze.png";
+    const std::string picture = synth_test::scratchPath("analyze.png");
     const Result result = run({"analyze", audio, "--song", song, "--spectrogram", picture});
     EXPECT_EQ(result.status, 0) << result.err;
     for (const char* line : {"length     3.500 s", "tempo", "RMS dBFS", "spectrogram"})

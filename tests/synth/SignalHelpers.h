@@ -1,6 +1,10 @@
 #pragma once
 
+#include <gtest/gtest.h>
+#include <unistd.h>
+
 #include <cmath>
+#include <string>
 #include <vector>
 
 // Small measurements shared by the synthesizer tests.
@@ -27,6 +31,13 @@ inline double settledPeak(const std::vector<float>& samples) {
 
 inline double toDb(double ratio) {
     return 20.0 * std::log10(ratio);
+}
+
+// A scratch file name of its own for this process and test, so parallel runs never share one.
+inline std::string scratchPath(const std::string& name) {
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    return testing::TempDir() + "synth_" + std::to_string(getpid()) + "_" + test->name() + "_" +
+           name;
 }
 
 } // namespace synth_test
