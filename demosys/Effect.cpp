@@ -1,8 +1,15 @@
 #include "Effect.h"
 
+#include "KVTDemosys.h"
+#include "PoolLookup.h"
+#include "ShaderCache.h"
 #include "TrackInterpolate.h"
 
 #include <iostream>
+
+namespace {
+const char* const Source = "demosys/Effect";
+}
 
 Effect::~Effect() = default;
 
@@ -25,4 +32,38 @@ void Effect::registerTracks() {}
 void Effect::addTrack(std::string name, TrackInterpolate*& slot) {
     slot = new TrackInterpolate(std::move(name));
     tracks.push_back(slot);
+}
+
+Shader* Effect::GetShader(std::string key) {
+    return PoolLookup::shader(key, Source, "GetShader");
+}
+
+Texture* Effect::GetTexture(std::string key) {
+    return PoolLookup::texture(key, Source, "GetTexture");
+}
+
+FBO* Effect::GetFBO(std::string key) {
+    return PoolLookup::fbo(key, Source, "GetFBO");
+}
+
+KVTScene* Effect::GetScene(std::string key) {
+    return PoolLookup::scene(key, Source, "GetScene");
+}
+
+Binary* Effect::GetBinary(std::string key) {
+    return PoolLookup::binary(key, Source, "GetBinary");
+}
+
+Animation* Effect::GetAnimation(std::string key) {
+    return PoolLookup::animation(key, Source, "GetAnimation");
+}
+
+Effect* Effect::GetEffect(std::string key) {
+    return PoolLookup::effect(key, Source, "GetEffect");
+}
+
+ShaderInstance* Effect::GetShaderInstance(std::string key) {
+    ShaderCache* cache = KVTDemosys::shaderCache;
+    return cache != nullptr && cache->shaderInstanceExists(key) ? cache->getShaderInstance(key)
+                                                                : nullptr;
 }

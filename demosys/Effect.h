@@ -3,7 +3,13 @@
 #include <string>
 #include <vector>
 
+class Animation;
+class Binary;
 class FBO;
+class KVTScene;
+class Shader;
+class ShaderInstance;
+class Texture;
 class TrackInterpolate;
 
 // Base of every visual piece of a production. Templates (one object per effect class) make
@@ -31,6 +37,17 @@ public:
     void addTrack(std::string name, TrackInterpolate*& slot);
     int getTrackCount() const { return static_cast<int>(tracks.size()); }
     TrackInterpolate* getTrackPointer(int index) const { return tracks[index]; }
+
+    // Loaded resources by key; a missing key is a programming error and stops the program.
+    static Shader* GetShader(std::string key);
+    static Texture* GetTexture(std::string key);
+    static FBO* GetFBO(std::string key);
+    static KVTScene* GetScene(std::string key);
+    static Binary* GetBinary(std::string key);
+    static Animation* GetAnimation(std::string key);
+    static Effect* GetEffect(std::string key);
+    // The shader cache's instance of that name, or null.
+    static ShaderInstance* GetShaderInstance(std::string key);
 
     bool isTracked() const { return tracked; }
     void setTracked(bool flag) { tracked = flag; }

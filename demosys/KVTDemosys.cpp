@@ -1,5 +1,9 @@
 #include "KVTDemosys.h"
 
+#include "ScreenMetrics.h"
+
+#include <SDL.h>
+
 #include <GL/glew.h>
 
 #include <GL/glu.h>
@@ -71,4 +75,73 @@ bool KVTDemosys::glErrPrint(std::string location) {
         error = glGetError();
     }
     return false;
+}
+
+namespace {
+
+// Video up and double buffering asked for; false with the message set when SDL refuses.
+bool startVideo() {
+    if (SDL_Init(SDL_INIT_VIDEO) == -1) {
+        KVTDemosys::message = std::string("Failed to initialize SDL!\n") + SDL_GetError();
+        return false;
+    }
+    SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 2);
+    SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 1);
+    return true;
+}
+
+void askForMultisampling(int samples) {
+    SDL_GL_SetAttribute(SDL_GL_MULTISAMPLEBUFFERS, samples != 0 ? 1 : 0);
+    SDL_GL_SetAttribute(SDL_GL_MULTISAMPLESAMPLES, samples);
+}
+
+// Creates the window and its context; swap control can only be set once a context exists.
+bool createScreen(ScreenMetrics* metrics, const char* title, Uint32 flags) {
+    KVTDemosys::screen =
+        SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, metrics->getWidth(),
+                         metrics->getHeight(), SDL_WINDOW_OPENGL | flags);
+    if (KVTDemosys::screen != nullptr) {
+        KVTDemosys::glContext = SDL_GL_CreateContext(KVTDemosys::screen);
+    }
+    if (KVTDemosys::screen == nullptr || KVTDemosys::glContext == nullptr) {
+        KVTDemosys::message = std::string("Failed to set screenmode!\n") + SDL_GetError();
+        std::cout << KVTDemosys::message << std::endl;
+        return false;
+    }
+    SDL_GL_SetSwapInterval(metrics->getVSync() ? 1 : 0);
+    SDL_ShowCursor(SDL_DISABLE);
+    return true;
+}
+
+} // namespace
+
+bool KVTDemosys::windowOpen(ScreenMetrics* metrics, const char* title, char*) {
+    screenMetrics = metrics;
+    if (!startVideo()) {
+        return false;
+    }
+    askForMultisampling(metrics->getFSAASamples() != 0 ? 4 : 0);
+    return createScreen(metrics, title, SDL_WINDOW_RESIZABLE);
+}
+
+bool KVTDemosys::screenOpen(ScreenMetrics* metrics) {
+    screenMetrics = metrics;
+    if (!startVideo()) {
+        return false;
+    }
+    askForMultisampling(metrics->getFSAASamples());
+    return createScreen(metrics, "", SDL_WINDOW_FULLSCREEN);
+}
+
+void KVTDemosys::shutDown() {
+    if (glContext != nullptr) {
+        SDL_GL_DeleteContext(glContext);
+        glContext = nullptr;
+    }
+    if (screen != nullptr) {
+        SDL_DestroyWindow(screen);
+        screen = nullptr;
+    }
+    SDL_Quit();
 }

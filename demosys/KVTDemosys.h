@@ -77,4 +77,10 @@ public:
     // Drains the OpenGL error queue, printing each error under the location label.
     // True when there was no error.
     static bool glErrPrint(std::string location);
+    // Opens a window (or the full screen) of the metrics' size with an OpenGL context and
+    // remembers the metrics; false with the message set when SDL refuses.
+    static bool windowOpen(ScreenMetrics* metrics, const char* title, char* icon);
+    static bool screenOpen(ScreenMetrics* metrics);
+    // Closes the window and its context and shuts SDL down.
+    static void shutDown();
 };

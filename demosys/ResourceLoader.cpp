@@ -1,13 +1,38 @@
 #include "ResourceLoader.h"
 
+#include "Animation.h"
+#include "AnimationParser.h"
+#include "Binary.h"
+#include "DataAnimationPool.h"
+#include "DataBinaryPool.h"
+#include "DataEffectPool.h"
+#include "DataFBOPool.h"
+#include "DataObjectPool.h"
+#include "DataShaderPool.h"
 #include "DataTexturePool.h"
+#include "Effect.h"
+#include "FBO.h"
 #include "File.h"
+#include "FrameTimer.h"
+#include "GLExtensions.h"
 #include "KVTDemosys.h"
 #include "KVTIO.h"
+#include "KVTScene.h"
+#include "KVTSceneLoader.h"
+#include "MusicTimer.h"
+#include "ProgressBar.h"
+#include "ResourceDefinition.h"
+#include "ScreenMetrics.h"
 #include "Shader.h"
+#include "ShaderCache.h"
 #include "StringTokenizer.h"
 #include "StringUtils.h"
 #include "Texture.h"
+#include "TrackSystem.h"
+#include "TrackSystemIO.h"
+
+#include <GL/glew.h>
+#include <SDL.h>
 
 #include <iostream>
 #include <memory>
@@ -136,5 +161,266 @@ bool ResourceLoader::loadTextureEntry(const ResourceInfo::TextureInfo& entry) {
     }
     texture->setFilename(entry.file);
     pool->addTexture(entry.key, texture);
+    return true;
+}
+
+bool ResourceLoader::createDataPools() {
+    std::cout << "[Creating DataPools]" << std::endl;
+    KVTDemosys::sceneDataPool = new DataObjectPool;
+    KVTDemosys::textureDataPool = new DataTexturePool;
+    KVTDemosys::animDataPool = new DataAnimationPool;
+    KVTDemosys::effectTemplateDataPool = new DataEffectPool;
+    KVTDemosys::effectDataPool = new DataEffectPool;
+    KVTDemosys::binaryDataPool = new DataBinaryPool;
+    KVTDemosys::shaderDataPool = new DataShaderPool;
+    KVTDemosys::fboDataPool = new DataFBOPool;
+    return true;
+}
+
+bool ResourceLoader::initScreen(ScreenMetrics* metrics, std::string title) {
+    KVTDemosys::resources->DefineDemoParameters(metrics);
+    bool opened = metrics->isFullscreen() ? KVTDemosys::screenOpen(metrics)
+                                          : KVTDemosys::windowOpen(metrics, title.c_str(), nullptr);
+    if (!opened) {
+        return fail("Failed to open screen : " + KVTDemosys::getMessage());
+    }
+    metrics->initView();
+    std::cout << "[Supported OpenGL Extensions]" << std::endl;
+    KVTDemosys::glExtensions = new GLExtensions;
+    return true;
+}
+
+void ResourceLoader::startProgress() {
+    int total = static_cast<int>(KVTDemosys::SceneList.size() + KVTDemosys::TextureList.size() + 3 +
+                                 KVTDemosys::AnimationList.size() + KVTDemosys::BinaryList.size() +
+                                 KVTDemosys::VideoList.size());
+    if (KVTDemosys::pBar == nullptr) {
+        KVTDemosys::pBar = new ProgressBar(0.09f, 1.2f, 0.0f, total);
+    }
+    KVTDemosys::pBar->setTicks(total);
+    KVTDemosys::pBar->loadData();
+    KVTDemosys::pBar->draw();
+}
+
+void ResourceLoader::tickProgress() {
+    if (KVTDemosys::pBar != nullptr) {
+        KVTDemosys::pBar->tick();
+    }
+}
+
+bool ResourceLoader::loadDataFiles() {
+    std::cout << "[Defining Resources]" << std::endl;
+    KVTDemosys::resources->DefineResouces();
+    std::cout << "[Define Effects]" << std::endl;
+    KVTDemosys::resources->DefineEffects();
+    startProgress();
+    if (!loadShaders() || !loadScenes() || !loadTextures()) {
+        return false;
+    }
+    DataObjectPool* scenes = KVTDemosys::sceneDataPool;
+    for (int i = 0; i < scenes->size(); ++i) {
+        scenes->getObject(i)->mapTextureData();
+    }
+    if (KVTDemosys::shaderCache == nullptr) {
+        KVTDemosys::shaderCache = new ShaderCache;
+    }
+    KVTDemosys::shaderCache->init();
+    return loadBinaries() && loadAnimations();
+}
+
+bool ResourceLoader::loadShaders() {
+    std::cout << "[Loading Shaders]" << std::endl;
+    for (const ResourceInfo::ShaderInfo& entry : KVTDemosys::ShaderList) {
+        std::cout << "-> Loading " << entry.file << std::endl;
+        auto shader = std::make_unique<Shader>();
+        if (!loadShader(shader.get(), entry)) {
+            return false;
+        }
+        Shader* loaded = shader.release();
+        KVTDemosys::shaderDataPool->addShader(entry.key, loaded);
+        if (verbose) {
+            std::cout << "Adding shader '" << entry.key << "' = " << loaded->toString()
+                      << std::endl;
+        }
+        loaded->use();
+        loaded->release();
+    }
+    return true;
+}
+
+bool ResourceLoader::loadScenes() {
+    std::cout << "[Loading 3D Objects]" << std::endl;
+    for (const ResourceInfo::SceneInfo& entry : KVTDemosys::SceneList) {
+        std::string path = KVTIO::ScenePath + entry.file;
+        std::cout << "Loading : '" << path << std::endl;
+        KVTSceneLoader sceneLoader(path);
+        std::unique_ptr<KVTScene> scene(sceneLoader.loadScene());
+        if (!sceneLoader.isValid() || scene == nullptr) {
+            return fail(sceneLoader.getErrorMessage());
+        }
+        KVTDemosys::sceneDataPool->addObject(entry.key, scene.release());
+        tickProgress();
+    }
+    return true;
+}
+
+bool ResourceLoader::loadTextures() {
+    std::cout << "[Loading Textures]" << std::endl;
+    for (const ResourceInfo::TextureInfo& entry : KVTDemosys::TextureList) {
+        if (!loadTextureEntry(entry)) {
+            return false;
+        }
+        tickProgress();
+    }
+    return true;
+}
+
+bool ResourceLoader::loadBinaries() {
+    std::cout << "[Loading Binary Data]" << std::endl;
+    for (const ResourceInfo::BinaryInfo& entry : KVTDemosys::BinaryList) {
+        std::string path = KVTIO::MiscPath + entry.file;
+        std::cout << "Loading binary : '" << path << "'" << std::endl;
+        Binary* binary = KVTIO::loadBinary(path);
+        if (binary == nullptr) {
+            return fail("Failed to binary data!\nFile : '" + path + "'");
+        }
+        KVTDemosys::binaryDataPool->addData(entry.key, binary);
+    }
+    return true;
+}
+
+bool ResourceLoader::loadAnimations() {
+    std::cout << "[Loading Animation Data]" << std::endl;
+    for (const ResourceInfo::AnimationInfo& entry : KVTDemosys::AnimationList) {
+        std::string path = KVTIO::MiscPath + entry.file;
+        AnimationParser parser(path);
+        if (!parser.isValid()) {
+            return fail(parser.getErrorMessage());
+        }
+        KVTDemosys::animDataPool->addAnimation(entry.key, parser.takeAnimation().release());
+        std::cout << "Loaded '" << path << "' using alias " << entry.key << std::endl;
+        tickProgress();
+    }
+    return true;
+}
+
+bool ResourceLoader::createEffectObjects() {
+    KVTDemosys::resources->DefineEffectInstances();
+    return true;
+}
+
+bool ResourceLoader::createTrackData() {
+    std::cout << "[Create track data]" << std::endl;
+    std::vector<std::string> names;
+    std::vector<Effect*> effects;
+    DataEffectPool* pool = KVTDemosys::effectDataPool;
+    for (int i = 0; i < pool->size(); ++i) {
+        Effect* effect = pool->getEffect(pool->getKey(i));
+        if (effect->isTracked()) {
+            names.push_back(pool->getKey(i));
+            effects.push_back(effect);
+        }
+    }
+    std::cout << "Loading track data from index file" << std::endl;
+    TrackSystemIO io(KVTIO::TrackPath);
+    KVTDemosys::tracks = io.loadPack(names, effects);
+    KVTDemosys::tracks->setRowRate(TrackSystem::DefaultRowRate);
+    bool startStopValid = KVTDemosys::tracks->validateStartStopTracks();
+    bool interpolateValid = KVTDemosys::tracks->validateInterpolateTracks();
+    if (!startStopValid || !interpolateValid) {
+        return fail("Track data failed validation: a start/stop track has keyframe mismatch");
+    }
+    initEffects();
+    return true;
+}
+
+void ResourceLoader::initEffects() {
+    std::cout << "[Initializing Effect Instances]" << std::endl;
+    DataEffectPool* pool = KVTDemosys::effectDataPool;
+    for (int i = 0; i < pool->size(); ++i) {
+        std::string name = pool->getKey(i);
+        std::cout << "-> Initializing " << name << std::endl;
+        pool->getEffect(name)->init();
+        KVTDemosys::glErrPrint(name + ":init()");
+    }
+}
+
+bool ResourceLoader::loadSound() {
+    std::cout << "[Setting up sound]" << std::endl;
+    unsigned int rowRate = TrackSystem::globalRowRate();
+    if (frameStepMs > 0.0) {
+        KVTDemosys::timer = new FrameTimer(rowRate, frameStepMs);
+    } else if (KVTDemosys::MusicFile.empty()) {
+        KVTDemosys::timer = new Timer(rowRate);
+    } else {
+        KVTDemosys::timer = new MusicTimer(KVTIO::SoundPath + KVTDemosys::MusicFile, rowRate);
+    }
+    if (!KVTDemosys::timer->init()) {
+        return fail("Failed to load sound!\nFile : '" + KVTIO::SoundPath + KVTDemosys::MusicFile +
+                    "'");
+    }
+    tickProgress();
+    return true;
+}
+
+// Without music the clock is started as well, so a production without a soundtrack (and
+// offline rendering) still moves through its time line.
+void ResourceLoader::initDemo() {
+    if (verbose) {
+        std::cout << "[Getting Startpos]" << std::endl;
+        std::cout << "startpos = " << KVTDemosys::DemoStartTime.toString() << std::endl;
+    }
+    KVTDemosys::timer->setTime(KVTDemosys::DemoStartTime.getTicks());
+    tickProgress();
+    std::cout << "[Demo Init]" << std::endl;
+    if (!KVTDemosys::MusicFile.empty() && frameStepMs <= 0.0) {
+        std::cout << "Play : " << KVTDemosys::MusicFile << std::endl;
+        SDL_ShowCursor(SDL_DISABLE);
+    }
+    KVTDemosys::timer->play();
+    std::cout << "[Demo Init END]" << std::endl;
+}
+
+bool ResourceLoader::reloadShaders() {
+    std::cout << "[Reloading Shaders]" << std::endl;
+    for (const ResourceInfo::ShaderInfo& entry : KVTDemosys::ShaderList) {
+        Shader* shader = KVTDemosys::shaderDataPool->getShader(entry.key);
+        if (shader == nullptr) {
+            continue;
+        }
+        if (!loadShader(shader, entry)) {
+            std::cout << "Error while recompiling '" << entry.key << "' : " << errorMessage
+                      << std::endl;
+            continue;
+        }
+        std::cout << "Adding shader '" << entry.key << "' = " << shader->toString() << std::endl;
+    }
+    std::cout << "[Reloading Shaders] ... Done!" << std::endl;
+    return true;
+}
+
+template <typename T> static void deleteAndClear(T*& object) {
+    delete object;
+    object = nullptr;
+}
+
+bool ResourceLoader::dispose() {
+    deleteAndClear(KVTDemosys::pBar);
+    deleteAndClear(KVTDemosys::shaderCache);
+    std::cout << "[Deleting Pools]" << std::endl;
+    deleteAndClear(KVTDemosys::sceneDataPool);
+    deleteAndClear(KVTDemosys::textureDataPool);
+    deleteAndClear(KVTDemosys::animDataPool);
+    deleteAndClear(KVTDemosys::effectTemplateDataPool);
+    deleteAndClear(KVTDemosys::effectDataPool);
+    deleteAndClear(KVTDemosys::binaryDataPool);
+    deleteAndClear(KVTDemosys::shaderDataPool);
+    deleteAndClear(KVTDemosys::fboDataPool);
+    std::cout << "delete KVTDemosys::glExtensions" << std::endl;
+    deleteAndClear(KVTDemosys::glExtensions);
+    std::cout << "delete KVTDemosys::tracks" << std::endl;
+    deleteAndClear(KVTDemosys::tracks);
+    std::cout << "delete KVTDemosys::timer" << std::endl;
+    deleteAndClear(KVTDemosys::timer);
     return true;
 }

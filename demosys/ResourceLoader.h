@@ -5,11 +5,15 @@
 #include <string>
 #include <vector>
 
+class Effect;
 class File;
+class ScreenMetrics;
 class Shader;
 
-// Turns the production's declarations into loaded objects. Holds the shader preprocessor
-// (define lines from parameters, recursive "#include") and the per-entry texture step.
+// Turns the production's declarations into loaded objects, phase by phase, with the
+// progress bar advanced after each item; opens the screen, builds the effect instances,
+// the sync tracks and the clock, and disposes of all of it at the end. Holds the shader
+// preprocessor (define lines from parameters, recursive "#include").
 // Every failure clears the valid flag and leaves a message naming the file.
 class ResourceLoader {
 public:
@@ -23,6 +27,27 @@ public:
     virtual ~ResourceLoader() = default;
     ResourceLoader(const ResourceLoader&) = delete;
     ResourceLoader& operator=(const ResourceLoader&) = delete;
+
+    // Creates the registry's eight pools, which own everything loaded from then on.
+    bool createDataPools();
+    // Lets the production set its parameters, then opens the window or the full screen.
+    bool initScreen(ScreenMetrics* metrics, std::string title);
+    // The loading phases: shaders, scenes, textures, binaries, animations.
+    bool loadDataFiles();
+    bool createEffectObjects();
+    // Reads the sync tracks for every tracked effect instance, then initialises the effects.
+    bool createTrackData();
+    // Creates the clock: the music clock when the production has music, else the plain one.
+    bool loadSound();
+    // Seeks the clock to the start time and starts it when there is music.
+    void initDemo();
+    bool reloadShaders();
+    // Deletes the progress bar, the pools (and so everything loaded), the capability
+    // record, the track system and the clock.
+    bool dispose();
+
+    // Offline rendering: the clock counts frames of stepMs milliseconds, and no music plays.
+    void useFrameClock(double stepMs) { frameStepMs = stepMs; }
 
     bool isValid() const { return valid; }
     std::string getErrorMessage() const { return errorMessage; }
@@ -48,6 +73,14 @@ protected:
     virtual File* openShaderFile(const std::string& path);
 
 private:
+    void startProgress();
+    static void tickProgress();
+    bool loadShaders();
+    bool loadScenes();
+    bool loadTextures();
+    bool loadBinaries();
+    bool loadAnimations();
+    void initEffects();
     bool preprocess(std::string& source, const ResourceInfo::ShaderInfo& entry,
                     const std::string& extension);
     bool includeFailed(const std::string& line, const std::string& fileName, int depth);
@@ -57,4 +90,5 @@ private:
     bool valid = true;
     bool verbose = false;
     int includeCount = 0;
+    double frameStepMs = 0.0;
 };

@@ -1,0 +1,163 @@
+#include "Demo.h"
+
+#include "Animation.h"
+#include "DataFBOPool.h"
+#include "FBO.h"
+#include "FrameListener.h"
+#include "KVTAssert.h"
+#include "KVTDemosys.h"
+#include "KVTIO.h"
+#include "ResourceLoader.h"
+#include "ScreenMetrics.h"
+#include "Timer.h"
+#include "TrackSystem.h"
+
+#include <GL/glew.h>
+#include <SDL.h>
+
+#include <iostream>
+
+Demo::Demo(int, char**) {}
+
+Demo::~Demo() {
+    delete animation;
+    delete loader;
+}
+
+bool Demo::failLoad(std::string text) {
+    message = std::move(text);
+    error = true;
+    return false;
+}
+
+bool Demo::load(ScreenMetrics* metrics, int resourceMode) {
+    KVT_ASSERT(KVTDemosys::resources != NULL, "demosys/Demo", "load");
+    KVTIO::init(resourceMode);
+    loader = new ResourceLoader;
+    loader->useFrameClock(frameStepMs);
+    loader->createDataPools();
+    if (!loader->initScreen(metrics, title)) {
+        return failLoad(loader->getErrorMessage());
+    }
+    GLenum glew = glewInit();
+    // A context made through EGL has every entry point loaded although GLEW, built for GLX,
+    // reports that it found no GLX display.
+    if (glew != GLEW_OK && !(glew == GLEW_ERROR_NO_GLX_DISPLAY && GLEW_VERSION_2_0)) {
+        return failLoad("Error initializing glew\n");
+    }
+    if (!GLEW_VERSION_2_0) {
+        return failLoad("No OpenGL 2.0 support found!");
+    }
+    std::cout << "GLSL version : " << glGetString(GL_SHADING_LANGUAGE_VERSION) << std::endl;
+    if (!loader->loadDataFiles() || !loader->createEffectObjects()) {
+        return failLoad(loader->getErrorMessage());
+    }
+    if (!loader->createTrackData()) {
+        // Deliberately not an error: the demo still starts, its message is shown at the end.
+        message = loader->getErrorMessage();
+        error = false;
+        return false;
+    }
+    if (!loader->loadSound()) {
+        return failLoad(loader->getErrorMessage());
+    }
+    KVTIO::destroy();
+    return true;
+}
+
+void Demo::init() {
+    if (error) {
+        return;
+    }
+    glClearColor(0.0f, 0.0f, 0.0f, 0.0f);
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glEnable(GL_DEPTH_TEST);
+    KVTDemosys::cameraActive = false;
+    animation = new Animation;
+}
+
+void Demo::run() {
+    if (error) {
+        return;
+    }
+    if (KVTDemosys::timer == nullptr) {
+        // The track data failed, so the clock was never made: play on the plain clock.
+        KVTDemosys::timer = new Timer(TrackSystem::globalRowRate());
+        KVTDemosys::timer->init();
+    }
+    glEnable(GL_CULL_FACE);
+    glCullFace(GL_BACK);
+    glEnable(GL_DEPTH_TEST);
+    glDisable(GL_LIGHTING);
+    loader->initDemo();
+    KVTDemosys::fpstime = SDL_GetTicks();
+    while (!KVTDemosys::checkQuit()) {
+        drawFrame();
+    }
+    std::cout << "Duration : " << KVTTime(KVTDemosys::timer->getTime()).toString() << std::endl;
+    std::cout << "FPS = " << KVTDemosys::getFPS(SDL_GetTicks()) << std::endl;
+}
+
+void Demo::drawFrame() {
+    Timer* timer = KVTDemosys::timer;
+    FBO::bind(nullptr);
+    if (frameListener != nullptr) {
+        frameListener->beforeFrame();
+    }
+    timer->updateSystem();
+    unsigned int time = timer->getTime();
+    unsigned int row = timer->getRow();
+    unsigned int frameTime = timer->updateFrameTime(time);
+    if (time > KVTDemosys::DemoEndTime.getTicks()) {
+        KVTDemosys::setQuit(true);
+    }
+    glMatrixMode(GL_PROJECTION);
+    glLoadIdentity();
+    KVTDemosys::screenMetrics->setView();
+    glMatrixMode(GL_MODELVIEW);
+    glLoadIdentity();
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    keyEvents();
+    KVTDemosys::tracks->processSystem(time, row, frameTime);
+    KVTDemosys::fboDataPool->clearFlaggedFBOs();
+    if (frameListener != nullptr) {
+        frameListener->afterFrame(time);
+    }
+    SDL_GL_SwapWindow(KVTDemosys::screen);
+    ++KVTDemosys::frames;
+}
+
+void Demo::keyEvents() {
+    SDL_Event event;
+    while (SDL_PollEvent(&event)) {
+        if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE) {
+            KVTDemosys::setQuit(true);
+        } else if (event.type == SDL_QUIT) {
+            KVTDemosys::setQuit(true);
+        } else if (event.type == SDL_WINDOWEVENT &&
+                   event.window.event == SDL_WINDOWEVENT_SIZE_CHANGED) {
+            int width = event.window.data1;
+            int height = event.window.data2;
+            std::cout << "Screen resize (" << width << "," << height << ")" << std::endl;
+            KVTDemosys::screenMetrics->resize(width, height);
+        }
+    }
+}
+
+bool Demo::dispose() {
+    std::cout << "[Shutting Down]" << std::endl;
+    if (loader == nullptr || !loader->isValid() || error) {
+        std::cout << "Message from demosys :" << std::endl << KVTDemosys::getMessage() << std::endl;
+        std::cout << "Message from resourceloader" << std::endl << message << std::endl;
+    }
+    if (loader != nullptr) {
+        loader->dispose();
+    }
+    std::cout << "KVTDemosys::shutdown()" << std::endl;
+    KVTDemosys::shutDown();
+    std::cout << "[Application End]" << std::endl;
+    return true;
+}

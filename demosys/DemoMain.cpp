@@ -1,0 +1,129 @@
+#include "DemoMain.h"
+
+#include "BrinovaVersion.h"
+#include "Demo.h"
+#include "DemoOptions.h"
+#include "KVTDemosys.h"
+#include "KVTGui.h"
+#include "KVTIO.h"
+#include "OfflineRenderer.h"
+#include "ResourceDefinition.h"
+#include "ScreenMetrics.h"
+
+#include <FL/Fl.H>
+
+#include <iostream>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// The folder of the running executable, so resources beside it are found from anywhere.
+bool enterExecutableFolder(std::string& folder) {
+    char path[4096];
+    ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
+    if (length <= 0) {
+        return false;
+    }
+    folder.assign(path, static_cast<size_t>(length));
+    folder = folder.substr(0, folder.rfind('/'));
+    return chdir(folder.c_str()) == 0;
+}
+
+bool isFolder(const std::string& path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+// Shows the launcher and copies its choice into the metrics; false when the viewer left.
+bool chooseWithLauncher(ScreenMetrics& metrics) {
+    KVTGui gui(450, 300, "Korvath Demosys v.1.0");
+    Fl::scheme("gtk+");
+    Fl::run();
+    metrics.setResolution(KVTGui::getScreenWidth(), KVTGui::getScreenHeight());
+    metrics.setFullscreen(KVTGui::getFullscreen());
+    metrics.setFullscreenOverride(true);
+    metrics.setFSAASamples(KVTGui::getAntialiasing());
+    return !KVTGui::checkQuit();
+}
+
+void chooseFromOptions(const DemoOptions& options, ScreenMetrics& metrics) {
+    metrics.setResolution(options.width, options.height);
+    metrics.setFullscreen(options.fullscreen);
+    metrics.setFullscreenOverride(true);
+    metrics.setFSAASamples(options.antialiasing);
+    metrics.setVSync(options.vsync && !options.benchmark);
+}
+
+int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metrics,
+         const DemoMain::Production& production, OfflineRenderer::Clock::time_point start) {
+    std::cout << "Run demo" << std::endl;
+    Demo demo(argc, argv);
+    KVTDemosys::pBar = production.makeProgressBar();
+    KVTDemosys::shaderCache = production.makeShaderCache();
+    KVTDemosys::resources = production.makeResources();
+    OfflineRenderer offline(options, start);
+    if (options.framesDriveClock()) {
+        demo.useFrameClock(options.frameStepMs());
+        demo.setFrameListener(&offline);
+    }
+    bool loaded =
+        demo.load(&metrics, options.archive ? KVTIO::KVT_RESOURCES_7Z : KVTIO::KVT_RESOURCES_FLAT);
+    if (options.hasStart) {
+        KVTDemosys::DemoStartTime.setTicks(options.startMs);
+    }
+    if (options.hasEnd) {
+        KVTDemosys::DemoEndTime.setTicks(options.endMs);
+    }
+    demo.init();
+    demo.run();
+    demo.dispose();
+    delete KVTDemosys::resources;
+    KVTDemosys::resources = nullptr;
+    if (!options.framesDriveClock()) {
+        return 0;
+    }
+    bool written = offline.finish();
+    return loaded && demo.isValid() && written ? 0 : 1;
+}
+
+} // namespace
+
+int DemoMain::run(int argc, char** argv, const Production& production) {
+    OfflineRenderer::Clock::time_point start = OfflineRenderer::Clock::now();
+    DemoOptions options;
+    std::string error;
+    if (!options.parse(argc, argv, error)) {
+        std::cerr << BRINOVA_NAME << ": " << error << "\n\n" << DemoOptions::usage(BRINOVA_NAME);
+        return 2;
+    }
+    if (options.help) {
+        std::cout << DemoOptions::usage(BRINOVA_NAME);
+        return 0;
+    }
+    if (options.version) {
+        std::cout << BRINOVA_NAME << " " << BRINOVA_VERSION << std::endl;
+        return 0;
+    }
+    std::string folder;
+    if (!enterExecutableFolder(folder)) {
+        std::cerr << BRINOVA_NAME << ": cannot change to the program's folder" << std::endl;
+        return 1;
+    }
+    std::string resources = options.archive ? "resources.7z" : "resources";
+    if (!(options.archive ? access(resources.c_str(), R_OK) == 0 : isFolder(resources))) {
+        std::cerr << BRINOVA_NAME << ": the resources '" << folder << "/" << resources
+                  << "' are missing" << std::endl;
+        return 1;
+    }
+    ScreenMetrics metrics;
+    if (options.showLauncher()) {
+        if (!chooseWithLauncher(metrics)) {
+            std::cout << "Quit demo" << std::endl;
+            return 0;
+        }
+    } else {
+        chooseFromOptions(options, metrics);
+    }
+    return play(argc, argv, options, metrics, production, start);
+}

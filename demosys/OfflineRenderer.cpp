@@ -1,0 +1,127 @@
+#include "OfflineRenderer.h"
+
+#include "FrameTimer.h"
+#include "KVTDemosys.h"
+#include "ScreenMetrics.h"
+
+#include <GL/glew.h>
+#include <stb_image_write.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+
+OfflineRenderer::OfflineRenderer(const DemoOptions& chosen, Clock::time_point start)
+    : options(chosen), pendingShots(chosen.shots), programStart(start) {
+    std::sort(
+        pendingShots.begin(), pendingShots.end(),
+        [](const DemoOptions::Shot& a, const DemoOptions::Shot& b) { return a.timeMs < b.timeMs; });
+}
+
+FrameTimer* OfflineRenderer::frameTimer() const {
+    return static_cast<FrameTimer*>(KVTDemosys::timer);
+}
+
+void OfflineRenderer::beforeFrame() {
+    if (framesStarted) {
+        frameTimer()->nextFrame();
+    }
+    framesStarted = true;
+    if (!pendingShots.empty()) {
+        frameTimer()->jumpTo(pendingShots.front().timeMs);
+    }
+}
+
+void OfflineRenderer::afterFrame(unsigned int time) {
+    int width = KVTDemosys::screenMetrics->getWidth();
+    int height = KVTDemosys::screenMetrics->getHeight();
+    if (!pendingShots.empty()) {
+        const std::string file = pendingShots.front().file;
+        pendingShots.erase(pendingShots.begin());
+        if (!saveScreen(file, width, height)) {
+            error = "cannot write '" + file + "'";
+        }
+        std::cout << "Shot " << KVTTime(time).toString() << " -> " << file << std::endl;
+        if (pendingShots.empty() || !error.empty()) {
+            KVTDemosys::setQuit(true);
+        }
+    } else if (options.capture()) {
+        char name[32];
+        std::snprintf(name, sizeof name, "/frame%06lu.png", captured++);
+        std::string file = options.captureDir + name;
+        if (!saveScreen(file, width, height)) {
+            error = "cannot write '" + file + "'";
+            KVTDemosys::setQuit(true);
+        }
+    }
+    if (options.benchmark) {
+        recordFrameTime();
+    }
+}
+
+// The first frame ends the load; every later one is timed from the end of the one before,
+// so the buffer swap and all of the frame's work are counted.
+void OfflineRenderer::recordFrameTime() {
+    glFinish();
+    Clock::time_point now = Clock::now();
+    if (!firstFrameDone) {
+        loadSeconds = std::chrono::duration<double>(now - programStart).count();
+        firstFrameDone = true;
+    } else {
+        frameMs.push_back(std::chrono::duration<double, std::milli>(now - lastFrameEnd).count());
+    }
+    lastFrameEnd = now;
+}
+
+bool OfflineRenderer::saveScreen(const std::string& path, int width, int height) {
+    std::vector<unsigned char> pixels(static_cast<size_t>(width) * height * 3);
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glReadBuffer(GL_BACK);
+    glReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
+    size_t stride = static_cast<size_t>(width) * 3;
+    std::vector<unsigned char> topFirst(pixels.size());
+    for (int row = 0; row < height; ++row) {
+        std::copy(pixels.begin() + static_cast<long>(stride * row),
+                  pixels.begin() + static_cast<long>(stride * (row + 1)),
+                  topFirst.begin() + static_cast<long>(stride * (height - 1 - row)));
+    }
+    return stbi_write_png(path.c_str(), width, height, 3, topFirst.data(),
+                          static_cast<int>(stride)) != 0;
+}
+
+bool OfflineRenderer::finish() {
+    if (options.benchmark) {
+        printBenchmark();
+    }
+    if (!pendingShots.empty() && error.empty()) {
+        error =
+            "the demo ended before the shot at " + KVTTime(pendingShots.front().timeMs).toString();
+    }
+    if (!error.empty()) {
+        std::cerr << "brinova: " << error << std::endl;
+    }
+    return error.empty();
+}
+
+void OfflineRenderer::printBenchmark() const {
+    std::cout << "Benchmark: load time (start to first frame) " << loadSeconds * 1000.0 << " ms"
+              << std::endl;
+    if (frameMs.empty()) {
+        std::cout << "Benchmark: no frames after the first" << std::endl;
+        return;
+    }
+    std::vector<double> sorted = frameMs;
+    std::sort(sorted.begin(), sorted.end());
+    double sum = 0.0;
+    for (double ms : sorted) {
+        sum += ms;
+    }
+    auto percentile = [&](double p) {
+        size_t index = static_cast<size_t>(p * static_cast<double>(sorted.size() - 1) + 0.5);
+        return sorted[std::min(index, sorted.size() - 1)];
+    };
+    std::cout << "Benchmark: " << sorted.size() << " frames, mean " << sum / sorted.size()
+              << " ms, median " << percentile(0.5) << " ms, 95th " << percentile(0.95)
+              << " ms, 99th " << percentile(0.99) << " ms, worst " << sorted.back() << " ms"
+              << std::endl;
+}

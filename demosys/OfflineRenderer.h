@@ -1,0 +1,46 @@
+#pragma once
+
+#include "DemoOptions.h"
+#include "FrameListener.h"
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+class FrameTimer;
+
+// Steers the frame clock for offline rendering and collects what it asks for: the frames at
+// the shot times as PNGs, every frame of a capture as numbered PNGs, or the frame times of a
+// benchmark, which it prints at the end.
+class OfflineRenderer : public FrameListener {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    // programStart: when the program started, for the benchmark's load time.
+    OfflineRenderer(const DemoOptions& options, Clock::time_point programStart);
+
+    void beforeFrame() override;
+    void afterFrame(unsigned int time) override;
+    // Prints the benchmark's figures; false when a picture could not be written.
+    bool finish();
+    const std::string& getError() const { return error; }
+
+    // Writes the window's back buffer (width x height) as a PNG, top row first.
+    static bool saveScreen(const std::string& path, int width, int height);
+
+private:
+    FrameTimer* frameTimer() const;
+    void recordFrameTime();
+    void printBenchmark() const;
+
+    DemoOptions options;
+    std::vector<DemoOptions::Shot> pendingShots;
+    Clock::time_point programStart;
+    Clock::time_point lastFrameEnd;
+    bool framesStarted = false;
+    bool firstFrameDone = false;
+    double loadSeconds = 0.0;
+    std::vector<double> frameMs;
+    unsigned long captured = 0;
+    std::string error;
+};

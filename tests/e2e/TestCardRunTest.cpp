@@ -1,0 +1,215 @@
+// Runs the test card's executable with offline options and checks the pictures it writes.
+#include <gtest/gtest.h>
+#include <stb_image.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const int Width = 160;
+const int Height = 90;
+
+struct Outcome {
+    int status;
+    std::string output;
+};
+
+// Runs a command, collecting standard output and error together.
+Outcome runCommand(const std::string& command) {
+    Outcome run{-1, ""};
+    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+    if (pipe == nullptr) {
+        return run;
+    }
+    std::array<char, 4096> buffer;
+    while (fgets(buffer.data(), buffer.size(), pipe) != nullptr) {
+        run.output += buffer.data();
+    }
+    int status = pclose(pipe);
+    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return run;
+}
+
+Outcome runDemo(const std::string& program, const std::string& arguments) {
+    return runCommand(program + " --no-launcher --size " + std::to_string(Width) + "x" +
+                      std::to_string(Height) + " " + arguments);
+}
+
+struct Picture {
+    int width = 0;
+    int height = 0;
+    std::vector<unsigned char> rgb;
+
+    std::array<int, 3> at(int x, int y) const {
+        size_t i = (static_cast<size_t>(y) * width + x) * 3;
+        return {rgb[i], rgb[i + 1], rgb[i + 2]};
+    }
+};
+
+Picture load(const fs::path& path) {
+    Picture picture;
+    int channels = 0;
+    unsigned char* data = stbi_load(path.c_str(), &picture.width, &picture.height, &channels, 3);
+    if (data != nullptr) {
+        picture.rgb.assign(data, data + picture.width * picture.height * 3);
+        stbi_image_free(data);
+    }
+    return picture;
+}
+
+// Screen units (-1 to 1, y up) to the pixel of a top-row-first picture.
+std::array<int, 3> pixelAtScreen(const Picture& picture, float x, float y) {
+    int px = static_cast<int>((x + 1.0f) * 0.5f * picture.width);
+    int py = static_cast<int>((1.0f - (y + 1.0f) * 0.5f) * picture.height);
+    return picture.at(std::min(px, picture.width - 1), std::min(py, picture.height - 1));
+}
+
+void expectColour(const std::array<int, 3>& actual, int r, int g, int b, const std::string& where) {
+    EXPECT_NEAR(actual[0], r, 4) << where;
+    EXPECT_NEAR(actual[1], g, 4) << where;
+    EXPECT_NEAR(actual[2], b, 4) << where;
+}
+
+class TestCardRun : public ::testing::Test {
+protected:
+    void SetUp() override {
+        folder = fs::path(::testing::TempDir()) /
+                 ("brinova_e2e_" +
+                  std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+    }
+    void TearDown() override { fs::remove_all(folder); }
+
+    // A copy of the test card with its resources, to be damaged by a test.
+    std::string copyOfTestCard() {
+        fs::path copy = folder / "card";
+        fs::create_directories(copy);
+        fs::copy(TESTCARD_FOLDER, copy, fs::copy_options::recursive);
+        return (copy / fs::path(TESTCARD_DEMO).filename()).string();
+    }
+
+    std::string shot(const std::string& time, const std::string& name) {
+        return "--shot " + time + "=" + (folder / name).string();
+    }
+
+    fs::path folder;
+};
+
+} // namespace
+
+TEST_F(TestCardRun, EffectsDrawInTheirIntervalsTargetsAndPriorities) {
+    Outcome run = runDemo(TESTCARD_DEMO,
+                          shot("00:00:500", "a.png") + " " + shot("00:01:200", "b.png") + " " +
+                              shot("00:01:500", "c.png") + " " + shot("00:01:900", "d.png") + " " +
+                              shot("00:02:250", "e.png") + " " + shot("00:02:600", "f.png") + " " +
+                              shot("00:02:900", "g.png") + " " + shot("00:03:500", "h.png"));
+    ASSERT_EQ(run.status, 0) << run.output;
+
+    Picture early = load(folder / "a.png");
+    ASSERT_EQ(early.width, Width);
+    ASSERT_EQ(early.height, Height);
+    expectColour(pixelAtScreen(early, 0, 0), 191, 64, 0, "background alone at 0.5 s");
+
+    Picture composited = load(folder / "c.png");
+    expectColour(pixelAtScreen(composited, 0, 0), 255, 255, 255, "off-screen box composited");
+    expectColour(pixelAtScreen(composited, 0, 0.8f), 64, 191, 0, "background above the box");
+
+    Picture left = load(folder / "b.png");
+    Picture right = load(folder / "d.png");
+    expectColour(pixelAtScreen(left, -0.6f, 0), 255, 255, 255, "box on the left at 1.2 s");
+    expectColour(pixelAtScreen(right, -0.6f, 0), 13, 242, 0,
+                 "the off-screen target was cleared since the box moved right");
+    expectColour(pixelAtScreen(right, 0.5f, 0), 255, 255, 255, "box on the right at 1.9 s");
+
+    expectColour(pixelAtScreen(load(folder / "e.png"), 0, 0), 0, 255, 0, "between intervals");
+    expectColour(pixelAtScreen(load(folder / "f.png"), 0, 0), 255, 255, 255, "box on screen");
+    expectColour(pixelAtScreen(load(folder / "g.png"), 0, 0), 0, 0, 255,
+                 "the later priority draws on top");
+    expectColour(pixelAtScreen(load(folder / "h.png"), 0, 0), 0, 255, 0, "after every interval");
+}
+
+TEST_F(TestCardRun, CaptureWritesEveryFrameUpToTheEndTime) {
+    Outcome run = runDemo(TESTCARD_DEMO, "--capture " + folder.string() + " --fps 10");
+    ASSERT_EQ(run.status, 0) << run.output;
+    int frames = 0;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        frames += entry.path().extension() == ".png" ? 1 : 0;
+    }
+    EXPECT_EQ(frames, 42) << "0 to 4 s at 10 frames a second, plus the frame past the end";
+    expectColour(pixelAtScreen(load(folder / "frame000005.png"), 0, 0), 191, 64, 0,
+                 "frame 5 shows 0.5 s");
+    EXPECT_NE(run.output.find("Duration : (0000004100)-[00:04:100]"), std::string::npos)
+        << run.output;
+}
+
+TEST_F(TestCardRun, BenchmarkPrintsLoadTimeAndFrameStatistics) {
+    Outcome run = runDemo(TESTCARD_DEMO, "--benchmark --end 00:01:000");
+    ASSERT_EQ(run.status, 0) << run.output;
+    EXPECT_NE(run.output.find("Benchmark: load time (start to first frame) "), std::string::npos);
+    EXPECT_NE(run.output.find("Benchmark: 61 frames, mean "), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("99th "), std::string::npos);
+}
+
+TEST_F(TestCardRun, InvalidOptionsStopBeforeAnythingStarts) {
+    Outcome run = runCommand(std::string(TESTCARD_DEMO) + " --size 12");
+    EXPECT_EQ(run.status, 2);
+    EXPECT_NE(run.output.find("invalid value '12' for --size"), std::string::npos) << run.output;
+    EXPECT_EQ(run.output.find("[Creating DataPools]"), std::string::npos);
+    EXPECT_EQ(runCommand(std::string(TESTCARD_DEMO) + " --version").status, 0);
+}
+
+TEST_F(TestCardRun, MissingResourceFolderIsNamed) {
+    fs::path lonely = folder / "lonely";
+    fs::create_directories(lonely);
+    fs::copy_file(TESTCARD_DEMO, lonely / "demo");
+    Outcome run = runDemo((lonely / "demo").string(), shot("00:00:000", "x.png"));
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.output.find("the resources '" + lonely.string() + "/resources' are missing"),
+              std::string::npos)
+        << run.output;
+}
+
+TEST_F(TestCardRun, LoaderFailuresAreReportedAtShutdown) {
+    struct Damage {
+        std::string file;
+        std::string message;
+    };
+    const std::vector<Damage> cases = {
+        {"resources/shaders/flat.frag", "Fragement shader 'resources/shaders/flat.frag' not found"},
+        {"resources/shaders/colour.inc", "Failed to include '#include colour.inc'"},
+        {"resources/graphics/Check.png",
+         "Failed to load texture!\nFile : 'resources/graphics/Check.png'"},
+    };
+    for (const Damage& damage : cases) {
+        std::string program = copyOfTestCard();
+        fs::remove(fs::path(program).parent_path() / damage.file);
+        Outcome run = runDemo(program, shot("00:00:500", "x.png"));
+        EXPECT_EQ(run.status, 1) << damage.file;
+        size_t shutdown = run.output.find("[Shutting Down]");
+        ASSERT_NE(shutdown, std::string::npos) << run.output;
+        EXPECT_NE(run.output.find("Message from resourceloader\n" + damage.message, shutdown),
+                  std::string::npos)
+            << run.output;
+        EXPECT_NE(run.output.find("[Application End]"), std::string::npos);
+        fs::remove_all(folder / "card");
+    }
+}
+
+TEST_F(TestCardRun, CorruptTrackDataIsNamedAndTheDemoStillPlays) {
+    std::string program = copyOfTestCard();
+    fs::path data = fs::path(program).parent_path() / "resources/tracks/track.data";
+    fs::resize_file(data, fs::file_size(data) / 2);
+    Outcome run = runDemo(program, shot("00:00:500", "x.png"));
+    EXPECT_EQ(run.status, 0) << run.output;
+    EXPECT_NE(run.output.find("Track file 'resources/tracks/track.data' is corrupt"),
+              std::string::npos)
+        << run.output;
+    EXPECT_TRUE(fs::exists(folder / "x.png"));
+}
