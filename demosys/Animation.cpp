@@ -1,5 +1,6 @@
 #include "Animation.h"
 
+#include "AnimationCameraController.h"
 #include "KVTAssert.h"
 
 #include <cmath>
@@ -102,4 +103,8 @@ void Animation::print() const {
     for (const Keyframe* keyframe : keyframes) {
         keyframe->print();
     }
+}
+
+AnimationCameraController* Animation::getCameraController() {
+    return new AnimationCameraController(this);
 }

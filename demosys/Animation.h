@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+class AnimationCameraController;
+
 // A path of keyframes evaluated at a progress between 0 and 1, by linear or Catmull-Rom
 // interpolation. Owns its keyframes.
 class Animation {
@@ -32,6 +34,8 @@ public:
     float getPitch() const { return pitch; }
     float getHeading() const { return heading; }
 
+    // A new controller flying the engine camera along this path; the caller owns it.
+    AnimationCameraController* getCameraController();
     std::string toString() const;
     void print() const;
 
