@@ -8,6 +8,7 @@
 #include "KVTIO.h"
 #include "OfflineRenderer.h"
 #include "ResourceDefinition.h"
+#include "ResourcePacker.h"
 #include "ScreenMetrics.h"
 
 #include <FL/Fl.H>
@@ -33,6 +34,22 @@ bool enterExecutableFolder(std::string& folder) {
 bool isFolder(const std::string& path) {
     struct stat info;
     return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
+// Writes resources.7z beside the program from its resources folder.
+int packFolder(const std::string& folder) {
+    if (!isFolder("resources")) {
+        std::cerr << BRINOVA_NAME << ": the resources '" << folder << "/resources' are missing"
+                  << std::endl;
+        return 1;
+    }
+    std::string error;
+    if (!packResources("resources", "resources.7z", error)) {
+        std::cerr << BRINOVA_NAME << ": " << error << std::endl;
+        return 1;
+    }
+    std::cout << "Packed " << folder << "/resources.7z" << std::endl;
+    return 0;
 }
 
 // Shows the launcher and copies its choice into the metrics; false when the viewer left.
@@ -109,6 +126,9 @@ int DemoMain::run(int argc, char** argv, const Production& production) {
     if (!enterExecutableFolder(folder)) {
         std::cerr << BRINOVA_NAME << ": cannot change to the program's folder" << std::endl;
         return 1;
+    }
+    if (options.pack) {
+        return packFolder(folder);
     }
     std::string resources = options.archive ? "resources.7z" : "resources";
     if (!(options.archive ? access(resources.c_str(), R_OK) == 0 : isFolder(resources))) {

@@ -213,3 +213,21 @@ TEST_F(TestCardRun, CorruptTrackDataIsNamedAndTheDemoStillPlays) {
         << run.output;
     EXPECT_TRUE(fs::exists(folder / "x.png"));
 }
+
+TEST_F(TestCardRun, PackedResourcesPlayLikeTheFolder) {
+    std::string program = copyOfTestCard();
+    Outcome pack = runCommand(program + " --pack");
+    ASSERT_EQ(pack.status, 0) << pack.output;
+    fs::path card = fs::path(program).parent_path();
+    ASSERT_TRUE(fs::exists(card / "resources.7z"));
+    Outcome folderRun = runDemo(program, shot("00:02:900", "folder.png"));
+    fs::rename(card / "resources", card / "moved-away");
+    Outcome archiveRun = runDemo(program, "--archive " + shot("00:02:900", "archive.png"));
+    ASSERT_EQ(folderRun.status, 0) << folderRun.output;
+    ASSERT_EQ(archiveRun.status, 0) << archiveRun.output;
+    Picture fromFolder = load(folder / "folder.png");
+    Picture fromArchive = load(folder / "archive.png");
+    ASSERT_EQ(fromArchive.width, Width);
+    EXPECT_EQ(fromFolder.rgb, fromArchive.rgb);
+    expectColour(pixelAtScreen(fromArchive, 0, 0), 0, 0, 255, "the archive's effects drew");
+}
