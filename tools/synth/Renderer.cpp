@@ -137,6 +137,8 @@ AudioBuffer renderSong(const Song& song, int threads) {
         toReverb.clear(frames);
         toDelay.clear(frames);
         for (const auto& track : tracks) {
+            if (track->isSilent())
+                continue;
             accumulate(mixed, track->dry(), frames);
             if (track->feedsReverb())
                 accumulate(toReverb, track->reverbSend(), frames);

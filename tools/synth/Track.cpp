@@ -48,18 +48,25 @@ Track::Setting Track::setting(const char* param) const {
 
 void Track::render(long startFrame, int frames) {
     output.clear(frames);
+    bool played = false;
     for (int offset = 0; offset < frames; offset += kControlFrames) {
         const int length = std::min(kControlFrames, frames - offset);
         control.cutoff = cutoff.at(beatOf(startFrame + offset));
-        playVoices(startFrame + offset, length, output.left.data() + offset,
-                   output.right.data() + offset);
+        played |= playVoices(startFrame + offset, length, output.left.data() + offset,
+                             output.right.data() + offset);
     }
+    // One chunk more after the last voice stops lets the chorus's short delay run empty.
+    silent = !played && !playedBefore;
+    playedBefore = played;
+    if (silent)
+        return;
     if (chorus)
         chorus->process(output.left.data(), output.right.data(), frames);
     mix(startFrame, frames);
 }
 
-void Track::playVoices(long startFrame, int frames, float* left, float* right) {
+bool Track::playVoices(long startFrame, int frames, float* left, float* right) {
+    bool played = false;
     long frame = startFrame;
     const long end = startFrame + frames;
     while (frame < end) {
@@ -68,10 +75,13 @@ void Track::playVoices(long startFrame, int frames, float* left, float* right) {
         const int length = static_cast<int>(until - frame);
         const long offset = frame - startFrame;
         for (Slot& slot : slots)
-            if (!slot.voice->finished())
+            if (!slot.voice->finished()) {
                 slot.voice->render(left + offset, right + offset, length, control);
+                played = true;
+            }
         frame = until;
     }
+    return played;
 }
 
 long Track::nextEvent(long from, long limit) const {

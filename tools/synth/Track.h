@@ -24,6 +24,8 @@ public:
     Track(const Song& song, int index, const std::vector<long>& kickFrames);
     void render(long startFrame, int frames);
 
+    // True when the last chunk was all silence: then its buffers hold nothing worth mixing.
+    bool isSilent() const { return silent; }
     const StereoChunk& dry() const { return output; }
     const StereoChunk& reverbSend() const { return reverb; }
     const StereoChunk& delaySend() const { return delay; }
@@ -55,7 +57,8 @@ private:
         bool stolen = false;
     };
 
-    void playVoices(long startFrame, int frames, float* left, float* right);
+    // Whether any voice sounded.
+    bool playVoices(long startFrame, int frames, float* left, float* right);
     long nextEvent(long from, long limit) const;
     void handleEvents(long frame);
     void startNote(const ScheduledNote& note);
@@ -80,6 +83,7 @@ private:
     std::vector<Slot> slots;
     std::unique_ptr<Chorus> chorus;
     StereoChunk output, reverb, delay;
+    bool silent = true, playedBefore = false;
     VoiceControl control{};
     Setting volume, pan, reverbLevel, delayLevel, cutoff;
 };
