@@ -2,10 +2,12 @@
 
 #include <lzma.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -22,6 +24,10 @@ const int MAX_HEADER_PACKING = 4;
 // 7-Zip's own limits for one folder.
 const std::uint64_t MAX_CODERS = 64;
 const std::uint64_t MAX_CODER_STREAMS = 64;
+// libarchive allocates the dictionary an LZMA coder asks for; 7-Zip's strongest level
+// uses 64 MiB.
+const std::uint64_t MAX_DICTIONARY = 1u << 30;
+const unsigned char LZMA2_LARGEST_DICTIONARY = 40;
 
 enum Property : std::uint64_t {
     END = 0x00,
@@ -29,12 +35,15 @@ enum Property : std::uint64_t {
     ARCHIVE_PROPERTIES = 0x02,
     ADDITIONAL_STREAMS_INFO = 0x03,
     MAIN_STREAMS_INFO = 0x04,
+    FILES_INFO = 0x05,
     PACK_INFO = 0x06,
     UNPACK_INFO = 0x07,
+    SUBSTREAMS_INFO = 0x08,
     SIZE = 0x09,
     CRC = 0x0A,
     FOLDER = 0x0B,
     CODERS_UNPACK_SIZE = 0x0C,
+    NUM_UNPACK_STREAM = 0x0D,
     ENCODED_HEADER = 0x17,
 };
 
@@ -65,6 +74,7 @@ struct Folder {
     std::vector<Coder> coders;
     std::uint64_t outStreams = 0;
     std::vector<std::uint64_t> unpackSizes;
+    bool crcDefined = false;
 };
 
 struct StreamsInfo {
@@ -80,6 +90,13 @@ public:
     explicit HeaderReader(const Bytes& block) : next(block.data()), left(block.size()) {}
 
     bool ok() const { return good; }
+    std::uint64_t remaining() const { return left; }
+
+    // Fails the reader unless the condition holds.
+    bool require(bool condition) {
+        good = good && condition;
+        return good;
+    }
 
     unsigned char byte() {
         if (left == 0) {
@@ -153,20 +170,23 @@ private:
     bool good = true;
 };
 
-// CRC lists are not needed here: only their length is.
-void skipDigests(HeaderReader& reader, std::uint64_t count) {
-    std::uint64_t defined = count;
+// The CRC values themselves are not needed: only which ones are there.
+std::vector<bool> readDigests(HeaderReader& reader, std::uint64_t count) {
+    if (!reader.require(count / 8 <= reader.remaining())) {
+        return {};
+    }
+    std::vector<bool> defined(count, true);
     if (reader.byte() == 0) {
         const Bytes bits = reader.bytes((count + 7) / 8);
         if (!reader.ok()) {
-            return;
+            return {};
         }
-        defined = 0;
         for (std::uint64_t i = 0; i < count; ++i) {
-            defined += (bits[i / 8] >> (7 - i % 8)) & 1u;
+            defined[i] = ((bits[i / 8] >> (7 - i % 8)) & 1u) != 0;
         }
     }
-    reader.skip(4 * defined);
+    reader.skip(4 * static_cast<std::uint64_t>(std::count(defined.begin(), defined.end(), true)));
+    return defined;
 }
 
 bool readPackInfo(HeaderReader& reader, StreamsInfo& info) {
@@ -180,7 +200,7 @@ bool readPackInfo(HeaderReader& reader, StreamsInfo& info) {
                 info.packSizes.push_back(reader.number());
             }
         } else if (property == CRC) {
-            skipDigests(reader, streams);
+            readDigests(reader, streams);
         } else {
             return false;
         }
@@ -270,14 +290,59 @@ bool readUnpackInfo(HeaderReader& reader, StreamsInfo& info) {
         if (property != CRC) {
             return false;
         }
-        skipDigests(reader, folders);
+        const std::vector<bool> defined = readDigests(reader, folders);
+        for (std::size_t i = 0; i < defined.size(); ++i) {
+            info.folders[i].crcDefined = defined[i];
+        }
     }
     return reader.ok();
 }
 
-// Reads pack and coder information, the parts that say how data is packed. The rest of the
-// streams information (sizes of the files inside folders) is not needed and not read.
-bool readStreamsInfo(HeaderReader& reader, StreamsInfo& info) {
+// How many files each folder holds. libarchive sizes its tables by these counts before it
+// reads on, so they are held to what the header has room for: every file after a folder's
+// first has its size listed.
+bool readSubStreamsInfo(HeaderReader& reader, const StreamsInfo& info) {
+    std::vector<std::uint64_t> streams(info.folders.size(), 1);
+    std::uint64_t property = reader.number();
+    if (property == NUM_UNPACK_STREAM) {
+        std::uint64_t listedSizes = 0;
+        for (std::uint64_t& count : streams) {
+            count = reader.number();
+            if (!reader.require(count <= reader.remaining() + 1)) {
+                return false;
+            }
+            listedSizes += count > 0 ? count - 1 : 0;
+            if (!reader.require(listedSizes <= reader.remaining())) {
+                return false;
+            }
+        }
+        property = reader.number();
+    }
+    if (property == SIZE) {
+        for (std::uint64_t count : streams) {
+            for (std::uint64_t i = 1; i < count; ++i) {
+                reader.number();
+            }
+        }
+        property = reader.number();
+    }
+    if (property == CRC) {
+        std::uint64_t unknownCrcs = 0;
+        for (std::size_t i = 0; i < streams.size(); ++i) {
+            const bool known = streams[i] == 1 && info.folders[i].crcDefined;
+            unknownCrcs += known ? 0 : streams[i];
+        }
+        readDigests(reader, unknownCrcs);
+        property = reader.number();
+    }
+    return reader.ok() && property == END;
+}
+
+enum class Extent { CODERS, WHOLE };
+
+// Reads how data is packed: pack streams and folders with their coders, and with
+// Extent::WHOLE also the files per folder up to the closing property.
+bool readStreamsInfo(HeaderReader& reader, StreamsInfo& info, Extent extent) {
     std::uint64_t property = reader.number();
     if (property == PACK_INFO) {
         if (!readPackInfo(reader, info)) {
@@ -286,18 +351,48 @@ bool readStreamsInfo(HeaderReader& reader, StreamsInfo& info) {
         property = reader.number();
     }
     if (property == UNPACK_INFO) {
-        return readUnpackInfo(reader, info);
+        if (!readUnpackInfo(reader, info)) {
+            return false;
+        }
+        if (extent == Extent::CODERS) {
+            return true;
+        }
+        property = reader.number();
     }
-    return reader.ok();
+    if (extent == Extent::CODERS) {
+        return reader.ok();
+    }
+    if (property == SUBSTREAMS_INFO) {
+        if (!readSubStreamsInfo(reader, info)) {
+            return false;
+        }
+        property = reader.number();
+    }
+    return reader.ok() && property == END;
+}
+
+std::uint64_t dictionarySize(const Coder& coder) {
+    const Bytes& properties = coder.properties;
+    if (coder.id == LZMA) {
+        return properties.size() == 5
+                   ? static_cast<std::uint64_t>(properties[1]) | properties[2] << 8 |
+                         properties[3] << 16 | static_cast<std::uint64_t>(properties[4]) << 24
+                   : UINT64_MAX;
+    }
+    if (coder.id == LZMA2) {
+        if (properties.size() != 1 || properties[0] > LZMA2_LARGEST_DICTIONARY) {
+            return UINT64_MAX;
+        }
+        const unsigned int bits = properties[0];
+        return static_cast<std::uint64_t>(2u | (bits & 1u)) << (bits / 2 + 11);
+    }
+    return 0;
 }
 
 bool trusted(const Coder& coder) {
-    for (const Bytes& id : TRUSTED_CODERS) {
-        if (coder.id == id) {
-            return true;
-        }
-    }
-    return false;
+    return std::find(std::begin(TRUSTED_CODERS), std::end(TRUSTED_CODERS), coder.id) !=
+               std::end(TRUSTED_CODERS) &&
+           dictionarySize(coder) <= MAX_DICTIONARY;
 }
 
 bool allTrusted(const StreamsInfo& info) {
@@ -376,7 +471,7 @@ bool unpackHeader(ArchiveFile& file, const StreamsInfo& info, Bytes& header) {
     }
     const Coder& coder = folder.coders.front();
     const std::uint64_t size = folder.unpackSizes.front();
-    if ((coder.id != LZMA && coder.id != LZMA2) || size > MAX_HEADER_SIZE ||
+    if ((coder.id != LZMA && coder.id != LZMA2) || !trusted(coder) || size > MAX_HEADER_SIZE ||
         info.packPosition > file.size) {
         return false;
     }
@@ -386,8 +481,8 @@ bool unpackHeader(ArchiveFile& file, const StreamsInfo& info, Bytes& header) {
            lzmaDecode(coder, packed, size, header);
 }
 
-// The plain header: archive properties, then the streams. What follows the main streams
-// (the file list) says nothing about coders.
+// The plain header: archive properties, the streams, then the file list, of which only the
+// count is read (libarchive sizes its entry table by it before reading the list).
 bool plainHeaderTrusted(HeaderReader& reader) {
     std::uint64_t property = reader.number();
     if (property == ARCHIVE_PROPERTIES) {
@@ -400,11 +495,17 @@ bool plainHeaderTrusted(HeaderReader& reader) {
     if (property == ADDITIONAL_STREAMS_INFO) {
         return false; // neither 7-Zip nor libarchive uses them
     }
-    if (property != MAIN_STREAMS_INFO) {
-        return reader.ok(); // no packed data at all
+    if (property == MAIN_STREAMS_INFO) {
+        StreamsInfo main;
+        if (!readStreamsInfo(reader, main, Extent::WHOLE) || !allTrusted(main)) {
+            return false;
+        }
+        property = reader.number();
     }
-    StreamsInfo main;
-    return readStreamsInfo(reader, main) && allTrusted(main);
+    if (property == FILES_INFO) {
+        reader.count();
+    }
+    return reader.ok();
 }
 
 bool headerTrusted(ArchiveFile& file, const Bytes& block, int packing) {
@@ -416,7 +517,7 @@ bool headerTrusted(ArchiveFile& file, const Bytes& block, int packing) {
     StreamsInfo packed;
     Bytes header;
     return property == ENCODED_HEADER && packing < MAX_HEADER_PACKING &&
-           readStreamsInfo(reader, packed) && unpackHeader(file, packed, header) &&
+           readStreamsInfo(reader, packed, Extent::CODERS) && unpackHeader(file, packed, header) &&
            headerTrusted(file, header, packing + 1);
 }
 

@@ -4,6 +4,8 @@
 #include "Image.h"
 #include "packman.h"
 
+#include <memory>
+#include <new>
 #include <vector>
 
 namespace {
