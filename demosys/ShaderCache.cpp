@@ -1,5 +1,6 @@
 #include "ShaderCache.h"
 
+#include "DataObjectPool.h"
 #include "DataShaderPool.h"
 #include "DataTexturePool.h"
 #include "KVTAssert.h"
@@ -46,4 +47,17 @@ Texture* ShaderCache::GetTexture(const std::string& name) const {
     KVT_ASSERT(tex!=NULL, "demosys/ShaderCache", "GetTexture");
     // clang-format on
     return tex;
+}
+
+int ShaderCache::GetSceneCount() const {
+    return KVTDemosys::sceneDataPool->size();
+}
+
+KVTScene* ShaderCache::GetScene(int i) const {
+    KVT_ASSERT(i >= 0 && i < KVTDemosys::sceneDataPool->size(), "demosys/ShaderCache", "GetScene");
+    return KVTDemosys::sceneDataPool->getObject(i);
+}
+
+KVTScene* ShaderCache::GetScene(const std::string& name) const {
+    return KVTDemosys::sceneDataPool->getObject(name);
 }

@@ -3,6 +3,7 @@
 #include <map>
 #include <string>
 
+class KVTScene;
 class Shader;
 class ShaderInstance;
 class Texture;
@@ -28,6 +29,11 @@ public:
     // Loaded resources by key, for init(): the key must exist.
     Shader* GetShader(const std::string& name) const;
     Texture* GetTexture(const std::string& name) const;
+    // The loaded scenes, to give their objects shader instances: by position in key order
+    // (i must be below GetSceneCount()), or by key (null when absent).
+    int GetSceneCount() const;
+    KVTScene* GetScene(int i) const;
+    KVTScene* GetScene(const std::string& name) const;
 
 private:
     std::map<std::string, ShaderInstance*> instances;

@@ -1,11 +1,13 @@
 #include "DataObjectPool.h"
 #include "KVTAnimation.h"
 #include "KVTCamera.h"
+#include "KVTDemosys.h"
 #include "KVTLight.h"
 #include "KVTMaterial.h"
 #include "KVTObject.h"
 #include "KVTObjectGroup.h"
 #include "KVTScene.h"
+#include "ShaderCache.h"
 
 #include <gtest/gtest.h>
 
@@ -201,4 +203,22 @@ TEST(DataObjectPool, WalksInKeyOrderReportsEachSceneAndDisposesThem) {
                                    "}\n");
     }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "[Dispose objectPool]\n");
+}
+
+TEST(ShaderCacheDeathTest, HandsOutScenesInKeyOrderAndChecksTheIndex) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    DataObjectPool pool;
+    auto* reef = new KVTScene;
+    auto* ship = new KVTScene;
+    pool.addObject("ship", ship);
+    pool.addObject("reef", reef);
+    KVTDemosys::sceneDataPool = &pool;
+    ShaderCache cache;
+    EXPECT_EQ(cache.GetSceneCount(), 2);
+    EXPECT_EQ(cache.GetScene(0), reef);
+    EXPECT_EQ(cache.GetScene("ship"), ship);
+    EXPECT_EQ(cache.GetScene("wreck"), nullptr);
+    EXPECT_DEATH(cache.GetScene(2), "GetScene .*: i >= 0 && i < KVTDemosys::sceneDataPool->size");
+    EXPECT_DEATH(cache.GetScene(-1), "GetScene");
+    KVTDemosys::sceneDataPool = nullptr;
 }
