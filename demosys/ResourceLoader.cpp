@@ -424,3 +424,56 @@ bool ResourceLoader::dispose() {
     deleteAndClear(KVTDemosys::timer);
     return true;
 }
+
+namespace {
+
+const std::string ARCHIVE = "resources.7z";
+
+// Every resource file the production loads, in the order the packing script adds them.
+std::vector<std::string> packedResources() {
+    std::vector<std::string> paths;
+    if (!KVTDemosys::MusicFile.empty()) {
+        paths.push_back(KVTIO::SoundPath + KVTDemosys::MusicFile);
+    }
+    if (KVTDemosys::textureDataPool != nullptr) {
+        for (const auto& entry : KVTDemosys::textureDataPool->getFilemap()) {
+            paths.push_back(KVTIO::TexturePath + entry.first);
+        }
+    }
+    for (const ResourceInfo::SceneInfo& scene : KVTDemosys::SceneList) {
+        paths.push_back(KVTIO::ScenePath + scene.file);
+        if (File::exists(KVTIO::ScenePath + scene.file + ".kf")) {
+            paths.push_back(KVTIO::ScenePath + scene.file + ".kf");
+        }
+    }
+    for (const ResourceInfo::AnimationInfo& animation : KVTDemosys::AnimationList) {
+        paths.push_back(KVTIO::MiscPath + animation.file);
+    }
+    for (const ResourceInfo::BinaryInfo& binary : KVTDemosys::BinaryList) {
+        paths.push_back(KVTIO::MiscPath + binary.file);
+    }
+    for (const ResourceInfo::ShaderInfo& shader : KVTDemosys::ShaderList) {
+        paths.push_back(KVTIO::ShaderPath + shader.file + ".vert");
+        paths.push_back(KVTIO::ShaderPath + shader.file + ".frag");
+    }
+    paths.push_back(KVTIO::TrackPath + "index.list");
+    paths.push_back(KVTIO::TrackPath + "track.data");
+    paths.insert(paths.end(), KVTDemosys::miscResources.begin(), KVTDemosys::miscResources.end());
+    for (int i = 0; KVTDemosys::pBar != nullptr && i < KVTDemosys::pBar->getResourceCount(); ++i) {
+        paths.push_back(KVTDemosys::pBar->getResource(i));
+    }
+    return paths;
+}
+
+} // namespace
+
+bool ResourceLoader::createCopyScript(std::string archiver, std::string scriptName) {
+    std::string script = "rm  " + ARCHIVE + " \n" + "rm " + ARCHIVE + ".log\n";
+    for (const std::string& path : packedResources()) {
+        script +=
+            archiver + " a -ms=off -mx=9  " + ARCHIVE + " " + path + " >> " + ARCHIVE + ".log \n";
+    }
+    File file(scriptName, File::TRUNCATE);
+    file.put(script);
+    return file.write();
+}

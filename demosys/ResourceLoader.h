@@ -46,6 +46,13 @@ public:
     // record, the track system and the clock.
     bool dispose();
 
+    // Writes a shell script that rebuilds "resources.7z" from the resource folder with the
+    // given archiver, one non-solid addition per resource: the music, the textures in the
+    // texture pool, scenes (with their ".kf" files where present), animations, binaries,
+    // both sources of every shader, the track files, the further files listed (shader
+    // includes) and the progress bar's own files. Run it by hand once the list is loaded.
+    bool createCopyScript(std::string archiver, std::string scriptName);
+
     // Offline rendering: the clock counts frames of stepMs milliseconds, and no music plays.
     void useFrameClock(double stepMs) { frameStepMs = stepMs; }
 
