@@ -436,13 +436,6 @@ TEST_F(SceneLoading, ANodeIdGivenTwiceKeepsTheLaterNode) {
     EXPECT_EQ(scene->getObject(0)->getName(), "Second");
 }
 
-TEST_F(SceneLoading, AnEmptyNameReadsAsObject) {
-    KVTSceneWriter writer;
-    writer.addNode(node(1, R::EMPTY_NODE, 0, -1, ""));
-    ASSERT_NE(load(writer), nullptr);
-    EXPECT_NE(scene->getObject("Object"), nullptr);
-}
-
 // --- Animations ---------------------------------------------------------------------------
 
 TEST_F(SceneLoading, KeyTimesAreTruncatedToWholeSeconds) {
