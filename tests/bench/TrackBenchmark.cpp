@@ -1,5 +1,7 @@
 // Cost of sync-track evaluation and of the per-frame effect scheduling.
+#include "DataFBOPool.h"
 #include "Effect.h"
+#include "FrameTimer.h"
 #include "TrackGroup.h"
 #include "TrackInterpolate.h"
 #include "TrackKeyFrameInterpolate.h"
@@ -52,10 +54,9 @@ public:
     TrackInterpolate* c = nullptr;
 };
 
-void BM_TrackSystemProcessSystem(benchmark::State& state) {
+// Nine groups of effects reading three parameters each, intervals every 200 rows.
+void fillNineGroups(TrackSystem& system, std::vector<std::unique_ptr<ReadingEffect>>& effects) {
     const int groups = 9;
-    std::vector<std::unique_ptr<ReadingEffect>> effects;
-    TrackSystem system;
     for (int g = 0; g < groups; ++g) {
         effects.push_back(std::make_unique<ReadingEffect>());
         ReadingEffect* effect = effects.back().get();
@@ -79,6 +80,12 @@ void BM_TrackSystemProcessSystem(benchmark::State& state) {
     }
     system.createPrioritySystem();
     system.prioritySanityCheck();
+}
+
+void BM_TrackSystemProcessSystem(benchmark::State& state) {
+    std::vector<std::unique_ptr<ReadingEffect>> effects;
+    TrackSystem system;
+    fillNineGroups(system, effects);
     unsigned int frame = 0;
     for (auto _ : state) {
         unsigned int time = (frame * 16) % 150850;
@@ -87,5 +94,30 @@ void BM_TrackSystemProcessSystem(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_TrackSystemProcessSystem);
+
+// The engine's own work in one frame of the main loop, apart from what effects draw and the
+// OpenGL calls: reading the clock, scheduling nine groups, the framebuffer pool's clear pass.
+void BM_EngineFrameBookkeeping(benchmark::State& state) {
+    std::vector<std::unique_ptr<ReadingEffect>> effects;
+    TrackSystem system;
+    fillNineGroups(system, effects);
+    FrameTimer timer(20, 1000.0 / 60.0);
+    timer.init();
+    timer.play();
+    DataFBOPool framebuffers;
+    for (auto _ : state) {
+        timer.updateSystem();
+        unsigned int time = timer.getTime();
+        unsigned int row = timer.getRow();
+        unsigned int frameTime = timer.updateFrameTime(time);
+        system.processSystem(time, row, frameTime);
+        framebuffers.clearFlaggedFBOs();
+        timer.nextFrame();
+        if (time > 150000) {
+            timer.setTime(0);
+        }
+    }
+}
+BENCHMARK(BM_EngineFrameBookkeeping);
 
 } // namespace
