@@ -6,25 +6,25 @@
 namespace synth {
 
 ParamSet::ParamSet(const std::vector<ParamSpec>& specs) : table(&specs) {
-    for (const ParamSpec& spec : specs)
-        values.push_back(spec.defaultValue);
+    for (const ParamSpec& param : specs)
+        values.push_back(param.defaultValue);
 }
 
 const ParamSpec* ParamSet::find(const std::string& name) const {
     if (!table)
         return nullptr;
-    for (const ParamSpec& spec : *table)
-        if (spec.name == name)
-            return &spec;
+    for (const ParamSpec& param : *table)
+        if (param.name == name)
+            return &param;
     return nullptr;
 }
 
 size_t ParamSet::indexOf(const std::string& name) const {
-    const ParamSpec* spec = find(name);
+    const ParamSpec* param = find(name);
     // Names come from the program itself once the song is parsed: a miss is a programming error.
-    if (!spec)
+    if (!param)
         throw std::logic_error("no parameter named '" + name + "'");
-    return static_cast<size_t>(spec - table->data());
+    return static_cast<size_t>(param - table->data());
 }
 
 double ParamSet::get(const std::string& name) const {

@@ -207,28 +207,28 @@ private:
         for (const Line& line : block.body) {
             for (size_t i = 0; i < line.tokens.size(); i += 2) {
                 const Token& name = line.tokens[i];
-                const ParamSpec* spec = params.find(name.text);
-                if (!spec)
+                const ParamSpec* param = params.find(name.text);
+                if (!param)
                     fail(name, owner + " has no parameter '" + name.text + "'");
                 if (std::find(seen.begin(), seen.end(), name.text) != seen.end())
                     fail(name, "'" + name.text + "' is set twice");
                 seen.push_back(name.text);
                 if (i + 1 == line.tokens.size())
                     failAtEnd(line, "'" + name.text + "' has no value");
-                params.set(name.text, paramValue(line.tokens[i + 1], *spec));
+                params.set(name.text, paramValue(line.tokens[i + 1], *param));
             }
         }
     }
 
-    double paramValue(const Token& token, const ParamSpec& spec) const {
-        if (!spec.words.empty()) {
-            for (size_t w = 0; w < spec.words.size(); ++w)
-                if (token.text == spec.words[w])
+    double paramValue(const Token& token, const ParamSpec& param) const {
+        if (!param.words.empty()) {
+            for (size_t w = 0; w < param.words.size(); ++w)
+                if (token.text == param.words[w])
                     return static_cast<double>(w);
-            fail(token, "unknown value '" + token.text + "' for '" + spec.name + "' (expected " +
-                            joinWords(spec.words) + ")");
+            fail(token, "unknown value '" + token.text + "' for '" + param.name + "' (expected " +
+                            joinWords(param.words) + ")");
         }
-        return numberIn(token, spec.minimum, spec.maximum, "'" + spec.name + "'");
+        return numberIn(token, param.minimum, param.maximum, "'" + param.name + "'");
     }
 
     void readSongBlock(const std::vector<Block>& blocks) {
@@ -531,16 +531,16 @@ private:
             automation.instrument == Automation::kMaster
                 ? song.master
                 : song.instruments[static_cast<size_t>(automation.instrument)].params;
-        const ParamSpec* spec = params.find(paramToken.text);
-        if (!spec)
+        const ParamSpec* param = params.find(paramToken.text);
+        if (!param)
             fail(paramToken, "'" + target.text + "' has no parameter '" + paramToken.text + "'");
-        if (!spec->automatable)
+        if (!param->automatable)
             fail(paramToken, "'" + paramToken.text + "' cannot be automated (only " +
                                  automatableNames(params) + ")");
         if (song.findAutomation(automation.instrument, paramToken.text))
             fail(paramToken, "'" + target.text + " " + paramToken.text + "' is automated twice");
-        automation.param = spec->name;
-        automation.interpolation = spec->interpolation;
+        automation.param = param->name;
+        automation.interpolation = param->interpolation;
         for (const Line& line : block.body) {
             if (line.tokens.size() != 2)
                 fail(line.tokens[0], "an automation point is a position and a value, as in "
@@ -548,8 +548,8 @@ private:
             const double beat = position(line.tokens[0]);
             if (!automation.points.empty() && beat < automation.points.back().beat)
                 fail(line.tokens[0], "automation points must not go back in time");
-            automation.points.push_back({beat, numberIn(line.tokens[1], spec->minimum,
-                                                        spec->maximum, "'" + spec->name + "'")});
+            automation.points.push_back({beat, numberIn(line.tokens[1], param->minimum,
+                                                        param->maximum, "'" + param->name + "'")});
         }
         if (automation.points.empty())
             fail(block.header.tokens[0], "automation without points");
@@ -558,9 +558,9 @@ private:
 
     static std::string automatableNames(const ParamSet& params) {
         std::vector<std::string> names;
-        for (const ParamSpec& spec : params.specs())
-            if (spec.automatable)
-                names.push_back(spec.name);
+        for (const ParamSpec& param : params.specs())
+            if (param.automatable)
+                names.push_back(param.name);
         return joinWords(names);
     }
 

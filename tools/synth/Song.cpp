@@ -18,10 +18,10 @@ constexpr KindName kKinds[] = {
     {InstrumentKind::Sweep, "sweep"}, {InstrumentKind::Impact, "impact"},
 };
 
-ParamSpec automated(ParamSpec spec, Interpolation interpolation = Interpolation::Linear) {
-    spec.automatable = true;
-    spec.interpolation = interpolation;
-    return spec;
+ParamSpec automated(ParamSpec param, Interpolation interpolation = Interpolation::Linear) {
+    param.automatable = true;
+    param.interpolation = interpolation;
+    return param;
 }
 
 std::vector<ParamSpec> mixerParams() {
