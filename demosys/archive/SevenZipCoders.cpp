@@ -56,9 +56,9 @@ const unsigned char CODER_UNSUPPORTED = 0xC0;
 const Bytes LZMA = {0x03, 0x01, 0x01};
 const Bytes LZMA2 = {0x21};
 const Bytes TRUSTED_CODERS[] = {
-    {0x00},                   // stored
-    LZMA,                     //
-    LZMA2,                    //
+    {0x00}, // stored
+    LZMA,
+    LZMA2,
     {0x03, 0x03, 0x01, 0x03}, // BCJ
     {0x03, 0x03, 0x01, 0x1B}, // BCJ2
     {0x04, 0x01, 0x08},       // Deflate
@@ -126,11 +126,7 @@ public:
     // A count of items that take at least one byte each: more than are left is damage.
     std::uint64_t count() {
         const std::uint64_t value = number();
-        if (value > left) {
-            good = false;
-            return 0;
-        }
-        return value;
+        return require(value <= left) ? value : 0;
     }
 
     Bytes bytes(std::uint64_t length) {
@@ -152,12 +148,7 @@ public:
         left -= length;
     }
 
-    bool expect(std::uint64_t property) {
-        if (number() != property) {
-            good = false;
-        }
-        return good;
-    }
+    bool expect(std::uint64_t property) { return require(number() == property); }
 
 private:
     void fail() {

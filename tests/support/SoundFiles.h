@@ -27,8 +27,9 @@ struct Tone {
 };
 
 // One sine per channel. Written in chunks: libvorbis fails on very large single writes.
+// A compression level from 0 (best) to 1 turns lossy formats to a constant bit rate.
 inline bool writeTones(const std::string& path, int format, int rate, double seconds,
-                       const std::vector<Tone>& tones) {
+                       const std::vector<Tone>& tones, double compression = -1.0) {
     SF_INFO info{};
     info.samplerate = rate;
     info.channels = static_cast<int>(tones.size());
@@ -36,6 +37,11 @@ inline bool writeTones(const std::string& path, int format, int rate, double sec
     SNDFILE* file = sf_open(path.c_str(), SFM_WRITE, &info);
     if (file == nullptr) {
         return false;
+    }
+    if (compression >= 0.0) {
+        int mode = SF_BITRATE_MODE_CONSTANT;
+        sf_command(file, SFC_SET_BITRATE_MODE, &mode, sizeof mode);
+        sf_command(file, SFC_SET_COMPRESSION_LEVEL, &compression, sizeof compression);
     }
     const long frames = static_cast<long>(seconds * rate);
     const long chunk = 4096;

@@ -165,20 +165,6 @@ TEST_F(ArchiveTest, EntriesReadInAnyOrderAndTwiceGiveTheSameBytes) {
     }
 }
 
-TEST_F(ArchiveTest, OnlyOneArchiveIsOpenAtATime) {
-    addFile("resources/misc/first.bin", bytesOf("1"));
-    const std::string first = pack();
-    files.clear();
-    addFile("resources/misc/second.bin", bytesOf("2"));
-    const std::string second = pack(testarchives::PACKING_OPTIONS, "second.7z");
-    ASSERT_TRUE(arc_load(first));
-    ASSERT_TRUE(arc_load(second));
-    EXPECT_EQ(packman_getFileSize("resources/misc/first.bin"), -1);
-    expectEveryEntryRead();
-    arc_close();
-    expectNothingFound();
-}
-
 // --- damaged archives ---
 
 TEST_F(ArchiveTest, DamagedTruncatedOrForeignArchivesFindNothing) {

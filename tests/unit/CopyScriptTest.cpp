@@ -102,18 +102,6 @@ TEST_F(CopyScriptTest, ListsEveryResourceInTheSpecifiedOrder) {
     EXPECT_EQ(readText("pack.sh"), EXPECTED_SCRIPT);
 }
 
-TEST_F(CopyScriptTest, WithoutMusicOrResourcesOnlyTheTrackFilesAreListed) {
-    ResourceLoader loader;
-    ASSERT_TRUE(loader.createCopyScript("archiver", "pack.sh"));
-    EXPECT_EQ(readText("pack.sh"),
-              "rm  resources.7z \n"
-              "rm resources.7z.log\n"
-              "archiver a -ms=off -mx=9  resources.7z resources/tracks/index.list >> "
-              "resources.7z.log \n"
-              "archiver a -ms=off -mx=9  resources.7z resources/tracks/track.data >> "
-              "resources.7z.log \n");
-}
-
 // Running the script packs each file under its resource path, non-solid.
 TEST_F(CopyScriptTest, TheScriptPacksEntriesUnderTheirResourcePaths) {
     if (!testarchives::have7zz()) {
