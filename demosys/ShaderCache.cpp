@@ -1,13 +1,11 @@
 #include "ShaderCache.h"
 
 #include "DataObjectPool.h"
-#include "DataShaderPool.h"
-#include "DataTexturePool.h"
 #include "KVTAssert.h"
 #include "KVTDemosys.h"
+#include "PoolLookup.h"
 #include "ShaderInstance.h"
 
-#include <cstddef> // NULL, as the assertion texts spell it
 
 ShaderCache::~ShaderCache() {
     for (auto& [name, instance] : instances) {
@@ -36,17 +34,11 @@ ShaderInstance* ShaderCache::getShaderInstance(const std::string& name) const {
 }
 
 Shader* ShaderCache::GetShader(const std::string& name) const {
-    Shader* shader = KVTDemosys::shaderDataPool->getShader(name);
-    KVT_ASSERT(shader != NULL, "demosys/ShaderCache", "GetShader");
-    return shader;
+    return PoolLookup::shader(name, "demosys/ShaderCache", "GetShader");
 }
 
 Texture* ShaderCache::GetTexture(const std::string& name) const {
-    Texture* tex = KVTDemosys::textureDataPool->getTexture(name);
-    // clang-format off
-    KVT_ASSERT(tex!=NULL, "demosys/ShaderCache", "GetTexture");
-    // clang-format on
-    return tex;
+    return PoolLookup::texture(name, "demosys/ShaderCache", "GetTexture");
 }
 
 int ShaderCache::GetSceneCount() const {
