@@ -129,6 +129,8 @@ void KVTGui::addScreenModeChoice() {
         getScreenmodes();
     }
     Fl_Choice* choice = new Fl_Choice(125, 120, 200, 25, "Available resolutions:");
+    // The longest label: a smaller size keeps it inside the dialog's left edge.
+    choice->labelsize(11);
     for (const ScreenMode& mode : screenModes) {
         choice->add(modeLabel(mode).c_str(), 0, nullptr);
     }
