@@ -7,6 +7,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,15 +19,14 @@ struct Entry {
     bool regularFile;
 };
 
-// The open archive: its entry table, and a reader left just after the entry it delivered
-// last, so that entries asked for in archive order are reached without reopening.
-// libarchive has no random access: an entry is reached by walking the headers and skipping
-// the data of those before it, which in a non-solid archive is a seek, not a decode.
+// The open archive: its path and the entry table built at opening. libarchive has no random
+// access: an entry is reached by walking the headers and skipping the data before it, which
+// in a non-solid archive is a seek, not a decode, but only until the reader has decoded
+// anything. So every request opens a reader of its own (a header parse, well under a
+// millisecond) instead of walking on from the last entry read.
 struct OpenArchive {
     std::string path;
     std::vector<Entry> entries;
-    struct archive* reader = nullptr;
-    int nextEntry = 0;
 };
 
 OpenArchive current;
@@ -35,35 +35,27 @@ int fileSize = -1;
 
 const std::size_t READ_BLOCK_SIZE = 64 * 1024;
 
-struct archive* openReader(const std::string& path) {
-    struct archive* reader = archive_read_new();
-    archive_read_support_format_7zip(reader);
-    if (archive_read_open_filename(reader, path.c_str(), READ_BLOCK_SIZE) != ARCHIVE_OK) {
-        archive_read_free(reader);
-        return nullptr;
+using Reader = std::unique_ptr<struct archive, int (*)(struct archive*)>;
+
+Reader openReader(const std::string& path) {
+    Reader reader(archive_read_new(), archive_read_free);
+    archive_read_support_format_7zip(reader.get());
+    if (archive_read_open_filename(reader.get(), path.c_str(), READ_BLOCK_SIZE) != ARCHIVE_OK) {
+        reader.reset();
     }
     return reader;
 }
 
 // True when a header was read; warnings (a name that did not convert) are not faults.
-bool nextHeader(struct archive* reader, struct archive_entry** entry, int& result) {
-    result = archive_read_next_header(reader, entry);
+bool isHeader(int result) {
     return result == ARCHIVE_OK || result == ARCHIVE_WARN;
-}
-
-void closeReader() {
-    if (current.reader != nullptr) {
-        archive_read_free(current.reader);
-        current.reader = nullptr;
-    }
-    current.nextEntry = 0;
 }
 
 // Any fault while walking the headers makes the whole archive count as damaged.
 bool readEntryTable(struct archive* reader, std::vector<Entry>& entries) {
     struct archive_entry* entry = nullptr;
     int result = ARCHIVE_OK;
-    while (nextHeader(reader, &entry, result)) {
+    while (isHeader(result = archive_read_next_header(reader, &entry))) {
         const char* name = archive_entry_pathname_utf8(entry);
         if (name == nullptr) {
             name = archive_entry_pathname(entry);
@@ -89,33 +81,24 @@ int findEntry(const char* name) {
     return -1;
 }
 
-bool positionReaderAt(int index) {
-    if (current.reader == nullptr || current.nextEntry > index) {
-        closeReader();
-        current.reader = openReader(current.path);
-        if (current.reader == nullptr) {
-            return false;
-        }
-    }
+bool skipTo(struct archive* reader, int index) {
     struct archive_entry* entry = nullptr;
-    int result = ARCHIVE_OK;
-    for (; current.nextEntry < index; ++current.nextEntry) {
-        if (!nextHeader(current.reader, &entry, result) ||
-            archive_read_data_skip(current.reader) != ARCHIVE_OK) {
+    for (int i = 0; i < index; ++i) {
+        if (!isHeader(archive_read_next_header(reader, &entry)) ||
+            archive_read_data_skip(reader) != ARCHIVE_OK) {
             return false;
         }
     }
-    ++current.nextEntry;
-    return nextHeader(current.reader, &entry, result);
+    return isHeader(archive_read_next_header(reader, &entry));
 }
 
 // libarchive checks the entry's CRC when its last bytes are read and reports a mismatch
 // as an error from that read.
-bool readEntryData(unsigned char* dest, std::int64_t size) {
+bool readEntryData(struct archive* reader, unsigned char* dest, std::int64_t size) {
     std::int64_t done = 0;
     while (done < size) {
         const la_ssize_t got =
-            archive_read_data(current.reader, dest + done, static_cast<std::size_t>(size - done));
+            archive_read_data(reader, dest + done, static_cast<std::size_t>(size - done));
         if (got <= 0) {
             return false;
         }
@@ -125,11 +108,9 @@ bool readEntryData(unsigned char* dest, std::int64_t size) {
 }
 
 bool extract(int index, unsigned char* dest) {
-    if (positionReaderAt(index) && readEntryData(dest, current.entries[index].size)) {
-        return true;
-    }
-    closeReader();
-    return false;
+    const Reader reader = openReader(current.path);
+    return reader != nullptr && skipTo(reader.get(), index) &&
+           readEntryData(reader.get(), dest, current.entries[index].size);
 }
 
 } // namespace
@@ -139,14 +120,9 @@ int packman_init(const char* path) {
     if (!SevenZipCoders::allTrusted(path)) {
         return 1;
     }
-    struct archive* reader = openReader(path);
-    if (reader == nullptr) {
-        return 1;
-    }
+    const Reader reader = openReader(path);
     std::vector<Entry> entries;
-    const bool complete = readEntryTable(reader, entries);
-    archive_read_free(reader);
-    if (!complete) {
+    if (reader == nullptr || !readEntryTable(reader.get(), entries)) {
         return 1;
     }
     current.path = path;
@@ -172,7 +148,6 @@ int packman_getFile(const char* name, unsigned char* dest) {
 }
 
 void packman_shutdown() {
-    closeReader();
     current = OpenArchive();
     fileSize = -1;
 }
