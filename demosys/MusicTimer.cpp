@@ -82,11 +82,11 @@ bool MusicTimer::loadSound() {
         decoded = sound->decodeFile(fileName);
     }
     if (!decoded) {
+        fail("Failed to create sound sysmte sound! Error code: " + std::to_string(result),
+             "Sound Init : Failed to load soundfile!");
         std::cout << "Sound : " << sound->getError() << std::endl;
-        return fail("Failed to create sound sysmte sound! Error code: " + std::to_string(result),
-                    "Sound Init : Failed to load soundfile!");
     }
-    return true;
+    return decoded;
 }
 
 bool MusicTimer::dispose() {
