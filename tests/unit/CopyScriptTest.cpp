@@ -95,7 +95,7 @@ const char* const EXPECTED_SCRIPT =
     "7zz a -ms=off -mx=9  resources.7z resources/shaders/common.inc >> resources.7z.log \n"
     "7zz a -ms=off -mx=9  resources.7z resources/graphics/bar.png >> resources.7z.log \n";
 
-TEST_F(CopyScriptTest, ListsEveryResourceInTheSpecifiedOrder) {
+TEST_F(CopyScriptTest, ListsEveryResourceInPackingOrder) {
     declareProduction();
     ResourceLoader loader;
     ASSERT_TRUE(loader.createCopyScript("7zz", "pack.sh"));
