@@ -1,10 +1,10 @@
 #include "MusicTimer.h"
 
 #include "File.h"
+#include "FrequencyAnalyser.h"
 #include "KVTIO.h"
 #include "SoundBuffer.h"
 #include "SoundDevice.h"
-#include "SoundSpectrum.h"
 
 #include <SDL_version.h>
 
@@ -25,7 +25,7 @@ int soundVersion() {
 
 MusicTimer::MusicTimer(std::string name, unsigned int rate)
     : Timer(rate), fileName(std::move(name)), sound(std::make_unique<SoundBuffer>()),
-      device(std::make_unique<SoundDevice>()), spectrum(std::make_unique<SoundSpectrum>()),
+      device(std::make_unique<SoundDevice>()), spectrum(std::make_unique<FrequencyAnalyser>()),
       spectrumA(MAX_SPECTRUM), spectrumB(MAX_SPECTRUM) {}
 
 MusicTimer::~MusicTimer() {

@@ -8,7 +8,7 @@
 
 class SoundBuffer;
 class SoundDevice;
-class SoundSpectrum;
+class FrequencyAnalyser;
 
 // The music clock: plays the production's music and serves as the demo clock while it
 // plays. The whole file is decoded into memory at init(), from the path in folder mode or
@@ -61,7 +61,7 @@ private:
     // Declared before the device, so the device stops before the music it plays is freed.
     std::unique_ptr<SoundBuffer> sound;
     std::unique_ptr<SoundDevice> device;
-    std::unique_ptr<SoundSpectrum> spectrum;
+    std::unique_ptr<FrequencyAnalyser> spectrum;
     std::vector<float> spectrumA;
     std::vector<float> spectrumB;
 };

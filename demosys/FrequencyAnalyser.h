@@ -9,12 +9,12 @@ struct kiss_fftr_state;
 // channel, Hamming window, real FFT, count magnitudes from 0 Hz up to just below half the
 // sample rate. Magnitudes are scaled so that a full-scale sine on a bin reads 1, and capped
 // at 1. The FFT plan and window are kept for the last count asked for.
-class SoundSpectrum {
+class FrequencyAnalyser {
 public:
-    SoundSpectrum() = default;
-    ~SoundSpectrum();
-    SoundSpectrum(const SoundSpectrum&) = delete;
-    SoundSpectrum& operator=(const SoundSpectrum&) = delete;
+    FrequencyAnalyser() = default;
+    ~FrequencyAnalyser();
+    FrequencyAnalyser(const FrequencyAnalyser&) = delete;
+    FrequencyAnalyser& operator=(const FrequencyAnalyser&) = delete;
 
     // samples holds frames x channels interleaved values; the block ends just before
     // endFrame and reads zeros where it reaches before the first frame.

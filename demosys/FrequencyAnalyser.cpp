@@ -1,4 +1,4 @@
-#include "SoundSpectrum.h"
+#include "FrequencyAnalyser.h"
 
 #include <kiss_fftr.h>
 
@@ -9,11 +9,11 @@ namespace {
 const double PI = 3.14159265358979323846;
 }
 
-SoundSpectrum::~SoundSpectrum() {
+FrequencyAnalyser::~FrequencyAnalyser() {
     kiss_fftr_free(plan);
 }
 
-void SoundSpectrum::prepare(int count) {
+void FrequencyAnalyser::prepare(int count) {
     if (count == planCount) {
         return;
     }
@@ -33,8 +33,8 @@ void SoundSpectrum::prepare(int count) {
     bins.resize(static_cast<std::size_t>(count) + 1);
 }
 
-void SoundSpectrum::compute(const float* samples, long frames, int channels, int channel,
-                            long endFrame, int count, float* out) {
+void FrequencyAnalyser::compute(const float* samples, long frames, int channels, int channel,
+                                long endFrame, int count, float* out) {
     prepare(count);
     const long size = 2L * count;
     const long first = std::min(endFrame, frames) - size;
