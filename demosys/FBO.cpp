@@ -1,5 +1,6 @@
 #include "FBO.h"
 
+#include "Geometry.h"
 #include "KVTDemosys.h"
 #include "ScreenMetrics.h"
 #include "Texture.h"
@@ -146,12 +147,7 @@ void FBO::internal_draw(float s) {
     }
     GLint matrixMode = GL_MODELVIEW;
     glGetIntegerv(GL_MATRIX_MODE, &matrixMode);
-    glMatrixMode(GL_PROJECTION);
-    glPushMatrix();
-    glLoadIdentity();
-    glMatrixMode(GL_MODELVIEW);
-    glPushMatrix();
-    glLoadIdentity();
+    Geometry::PushAllMatices();
 
     Texture* texture = colorBuffers[0];
     texture->bind();
@@ -169,10 +165,7 @@ void FBO::internal_draw(float s) {
     glEnd();
     texture->release();
 
-    glMatrixMode(GL_PROJECTION);
-    glPopMatrix();
-    glMatrixMode(GL_MODELVIEW);
-    glPopMatrix();
+    Geometry::PopAllMatrices();
     glMatrixMode(matrixMode);
 }
 
