@@ -3,6 +3,7 @@
 #include "BrinovaVersion.h"
 #include "Demo.h"
 #include "DemoOptions.h"
+#include "File.h"
 #include "KVTDemosys.h"
 #include "KVTGui.h"
 #include "KVTIO.h"
@@ -14,7 +15,6 @@
 #include <FL/Fl.H>
 
 #include <iostream>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -31,14 +31,9 @@ bool enterExecutableFolder(std::string& folder) {
     return chdir(folder.c_str()) == 0;
 }
 
-bool isFolder(const std::string& path) {
-    struct stat info;
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
-
 // Writes resources.7z beside the program from its resources folder.
 int packFolder(const std::string& folder) {
-    if (!isFolder("resources")) {
+    if (!File::isFolder("resources")) {
         std::cerr << BRINOVA_NAME << ": the resources '" << folder << "/resources' are missing"
                   << std::endl;
         return 1;
@@ -131,7 +126,7 @@ int DemoMain::run(int argc, char** argv, const Production& production) {
         return packFolder(folder);
     }
     std::string resources = options.archive ? "resources.7z" : "resources";
-    if (!(options.archive ? access(resources.c_str(), R_OK) == 0 : isFolder(resources))) {
+    if (!(options.archive ? access(resources.c_str(), R_OK) == 0 : File::isFolder(resources))) {
         std::cerr << BRINOVA_NAME << ": the resources '" << folder << "/" << resources
                   << "' are missing" << std::endl;
         return 1;

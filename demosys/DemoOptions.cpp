@@ -1,19 +1,14 @@
 #include "DemoOptions.h"
 
+#include "File.h"
 #include "KVTTime.h"
 #include "StringUtils.h"
 
 #include <algorithm>
-#include <sys/stat.h>
 
 namespace {
 
 const int OfflineFps = 60;
-
-bool isFolder(const std::string& path) {
-    struct stat info;
-    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-}
 
 std::string folderOf(const std::string& file) {
     size_t slash = file.rfind('/');
@@ -157,13 +152,13 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
             shot.file.size() < 5 || shot.file.compare(shot.file.size() - 4, 4, ".png") != 0) {
             return invalid("mm:ss:ms=FILE.png");
         }
-        if (!isFolder(folderOf(shot.file))) {
+        if (!File::isFolder(folderOf(shot.file))) {
             error = "folder '" + folderOf(shot.file) + "' for " + name + " does not exist";
             return false;
         }
         shots.push_back(shot);
     } else if (name == "--capture") {
-        if (text.empty() || !isFolder(text)) {
+        if (text.empty() || !File::isFolder(text)) {
             error = "folder '" + text + "' for --capture does not exist";
             return false;
         }

@@ -54,6 +54,11 @@ bool File::exists(std::string path) {
     return stat(path.c_str(), &info) == 0;
 }
 
+bool File::isFolder(const std::string& path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+}
+
 std::vector<char> File::get() const {
     return std::vector<char>(data.begin(), data.end());
 }

@@ -24,6 +24,8 @@ public:
     File& operator=(const File&) = delete;
 
     static bool exists(std::string path);
+    // True when the path names a folder on disk.
+    static bool isFolder(const std::string& path);
     bool exists() const { return available; }
     void exists(bool flag) { available = flag; }
 
