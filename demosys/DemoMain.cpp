@@ -56,6 +56,7 @@ bool chooseWithLauncher(ScreenMetrics& metrics) {
     metrics.setFullscreen(KVTGui::getFullscreen());
     metrics.setFullscreenOverride(true);
     metrics.setFSAASamples(KVTGui::getAntialiasing());
+    metrics.setQuality(KVTGui::getQuality());
     return !KVTGui::checkQuit();
 }
 
@@ -64,6 +65,7 @@ void chooseFromOptions(const DemoOptions& options, ScreenMetrics& metrics) {
     metrics.setFullscreen(options.fullscreen);
     metrics.setFullscreenOverride(true);
     metrics.setFSAASamples(options.antialiasing);
+    metrics.setQuality(options.quality);
     metrics.setVSync(options.vsync && !options.benchmark);
 }
 

@@ -34,6 +34,10 @@ public:
     void setVSync(bool flag) { vsync = flag; }
     bool getVSyncOverride() const { return vsyncOverride; }
     void setVSyncOverride(bool flag) { vsyncOverride = flag; }
+    // The picture quality the viewer chose, 0 (low) to 3 (ultra): the production sizes its
+    // framebuffers by it.
+    int getQuality() const { return quality; }
+    void setQuality(int level) { quality = level; }
 
     int getViewportX() const { return viewportX; }
     int getViewportY() const { return viewportY; }
@@ -41,6 +45,11 @@ public:
     int getViewportHeight() const { return viewportHeight; }
     float getAspect() const { return aspect; }
     float getFov() const { return fov; }
+    // A new vertical field of view in degrees; the projection follows at once.
+    void setFov(float degrees) {
+        fov = degrees;
+        updateMatrix();
+    }
     float getScaleX() const { return scaleX; }
     float getScaleY() const { return scaleY; }
     float getAspectW() const { return aspectW; }
@@ -77,6 +86,7 @@ private:
     int fsaaSamples = 0;
     bool vsync = true;
     bool vsyncOverride = false;
+    int quality = 0;
     // The 16:9 target as height per width.
     float aspectW = 1.0f;
     float aspectH = 0.5625f;

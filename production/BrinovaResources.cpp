@@ -1,9 +1,15 @@
 #include "BrinovaResources.h"
 
+#include "CameraLensEffect.h"
+#include "CreditsEffect.h"
+#include "FBO.h"
+#include "GlowEffect.h"
 #include "KVTDemosys.h"
+#include "PostProcessEffect.h"
+#include "RadialBlurEffect.h"
 #include "ScreenMetrics.h"
 
-#include <GL/gl.h>
+#include <GL/glew.h>
 
 namespace {
 
@@ -43,7 +49,42 @@ const Picture Pictures[] = {
     {"brinovalogo_small", "BrinovaLogoSmall.png"},
 };
 
+struct ShaderFile {
+    const char* key;
+    const char* file;
+};
+
+// In the order they are loaded.
+const ShaderFile Shaders[] = {
+    {"b_n_c_shader", "BrightnessContrast"},
+    {"blur_x", "Gaussian_x"},
+    {"blur_y", "Gaussian_y"},
+    {"copy", "Copy"},
+    {"screen", "Screen"},
+    {"screen_opacity", "ScreenOpacity"},
+    {"post_process_shader", "PostProcess"},
+    {"zoom_blend", "ZoomBlend"},
+};
+
+FBO* screenBuffer(int side, bool depth) {
+    return new FBO(side, side, depth, false, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE);
+}
+
 } // namespace
+
+BrinovaResources::ScreenBufferSizes BrinovaResources::screenBufferSizes(int quality,
+                                                                        int screenWidth) {
+    switch (quality) {
+    case 0:
+        return {256, 128};
+    case 1:
+        return {512, 256};
+    case 2:
+        return {1024, 512};
+    default:
+        return {screenWidth, 1024};
+    }
+}
 
 void BrinovaResources::DefineDemoParameters(ScreenMetrics* metrics) {
     metrics->setNear(1.0f);
@@ -54,9 +95,89 @@ void BrinovaResources::DefineDemoParameters(ScreenMetrics* metrics) {
 
 void BrinovaResources::DefineResouces() {
     SetMusic("brinova_final_c.mp3");
+    defineTextures();
+    defineShaders();
+    defineScreenFramebuffers();
+}
+
+void BrinovaResources::defineTextures() {
     AddTexture({"ocean_surface_texture", "OceanSurface.png", GL_TEXTURE_2D, true});
     for (const Picture& picture : Pictures) {
         AddTexture({picture.key, picture.file, GL_TEXTURE_2D, false});
     }
     AddTexture({"threshold", "Threshold.png", GL_TEXTURE_1D, true});
+}
+
+void BrinovaResources::defineShaders() {
+    for (const ShaderFile& shader : Shaders) {
+        AddShader({shader.key, shader.file, {}});
+    }
+}
+
+void BrinovaResources::defineScreenFramebuffers() {
+    const ScreenMetrics* metrics = KVTDemosys::screenMetrics;
+    const ScreenBufferSizes size = screenBufferSizes(metrics->getQuality(), metrics->getWidth());
+    AddFBO("offscreen0", screenBuffer(size.main, true));
+    AddFBO("offscreen1", screenBuffer(size.main, true));
+    AddFBO("staging0", screenBuffer(size.main, true));
+    AddFBO("staging1", screenBuffer(size.main, true));
+    AddFBO("glow_pre", screenBuffer(size.main, false));
+    AddFBO("blur_pre", screenBuffer(size.half, false));
+    AddFBO("blurx", screenBuffer(size.half, false));
+    AddFBO("blury", screenBuffer(size.half, false));
+}
+
+void BrinovaResources::DefineEffects() {
+    AddEffect("PostProcessEffect", new PostProcessEffect);
+    AddEffect("GlowEffect", new GlowEffect);
+    AddEffect("CameraLensEffect", new CameraLensEffect);
+    AddEffect("CreditsEffect", new CreditsEffect);
+    AddEffect("RadialBlurEffect", new RadialBlurEffect);
+}
+
+void BrinovaResources::DefineEffectInstances() {
+    defineScreenEffectInstances();
+}
+
+void BrinovaResources::defineScreenEffectInstances() {
+    auto* post = static_cast<PostProcessEffect*>(
+        CreateEffectInstance("PostProcessEffect", "postprocess_effect", true));
+    post->overlayTexture = GetTexture("overlay");
+    post->noiseTexture = GetTexture("color_noise");
+    post->thresholdTexture = GetTexture("threshold");
+    post->shader = GetShader("post_process_shader");
+    post->source = GetFBO("staging0");
+
+    auto* glow = static_cast<GlowEffect*>(CreateEffectInstance("GlowEffect", "glow_effect", true));
+    glow->blurred = GetFBO("blur_pre");
+    glow->blurX = GetFBO("blurx");
+    glow->horizontal = GetFBO("blury");
+    glow->source = GetFBO("glow_pre");
+    glow->blurXShader = GetShader("blur_x");
+    glow->blurYShader = GetShader("blur_y");
+    glow->screenShader = GetShader("screen");
+    glow->brightnessContrastShader = GetShader("b_n_c_shader");
+    glow->kernel = GetTexture("gaussian_kernel");
+
+    CreateEffectInstance("CameraLensEffect", "camera", true);
+
+    auto* credits =
+        static_cast<CreditsEffect*>(CreateEffectInstance("CreditsEffect", "credits_effect", true));
+    const char* names[CreditsEffect::PICTURE_COUNT] = {"vask",    "lumo",        "orin",
+                                                       "quillet", "korvathlogo", "brinovalogo"};
+    for (int i = 0; i < CreditsEffect::PICTURE_COUNT; ++i) {
+        credits->pictures[i] = GetTexture(names[i]);
+    }
+    credits->shader = GetShader("screen_opacity");
+    credits->background = GetFBO("staging0");
+    credits->offscreen = GetFBO("staging1");
+
+    auto* radial = static_cast<RadialBlurEffect*>(
+        CreateEffectInstance("RadialBlurEffect", "radial_blur_effect", true));
+    radial->source = GetFBO("staging0");
+    radial->scene = GetFBO("offscreen0");
+    radial->accumulator = GetFBO("blurx");
+    radial->work = GetFBO("blury");
+    radial->zoomBlendShader = GetShader("zoom_blend");
+    radial->screenShader = GetShader("screen");
 }
