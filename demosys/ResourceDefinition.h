@@ -3,6 +3,7 @@
 #include "ResourceInfo.h"
 
 #include <string>
+#include <vector>
 
 class Animation;
 class Binary;
@@ -39,6 +40,10 @@ public:
     void AddAnimation(ResourceInfo::AnimationInfo info);
     void AddBinary(ResourceInfo::BinaryInfo info);
     void AddVideo(ResourceInfo::VideoInfo info);
+    // An OpenGL extension the production cannot play without (float textures for a
+    // simulation, say): loading stops, naming it, when the driver lacks it.
+    void RequireExtension(std::string name) { requiredExtensions.push_back(std::move(name)); }
+    const std::vector<std::string>& getRequiredExtensions() const { return requiredExtensions; }
     // The framebuffer pool takes ownership; the framebuffer is cleared at once.
     void AddFBO(std::string key, FBO* fbo);
     // The template pool takes ownership of the template.
@@ -52,4 +57,7 @@ public:
     KVTScene* GetScene(std::string key);
     Binary* GetBinary(std::string key);
     Animation* GetAnimation(std::string key);
+
+private:
+    std::vector<std::string> requiredExtensions;
 };

@@ -211,6 +211,9 @@ void ResourceLoader::tickProgress() {
 bool ResourceLoader::loadDataFiles() {
     std::cout << "[Defining Resources]" << std::endl;
     KVTDemosys::resources->DefineResouces();
+    if (!checkRequiredExtensions()) {
+        return false;
+    }
     std::cout << "[Define Effects]" << std::endl;
     KVTDemosys::resources->DefineEffects();
     startProgress();
@@ -226,6 +229,18 @@ bool ResourceLoader::loadDataFiles() {
     }
     KVTDemosys::shaderCache->init();
     return loadBinaries() && loadAnimations();
+}
+
+bool ResourceLoader::checkRequiredExtensions() {
+    const std::vector<std::string>& required = KVTDemosys::resources->getRequiredExtensions();
+    if (required.empty()) {
+        return true;
+    }
+    GLExtensions available;
+    for (const std::string& name : required) {
+        available.addToChecklist(name);
+    }
+    return available.isSupported() || fail(available.getErrorMessage());
 }
 
 bool ResourceLoader::loadShaders() {

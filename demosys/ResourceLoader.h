@@ -82,6 +82,8 @@ protected:
 private:
     void startProgress();
     static void tickProgress();
+    // Stops loading, naming them, when the driver lacks extensions the production requires.
+    bool checkRequiredExtensions();
     bool loadShaders();
     bool loadScenes();
     bool loadTextures();

@@ -97,6 +97,10 @@ void BrinovaResources::DefineResouces() {
     SetMusic("brinova_final_c.mp3");
     defineTextures();
     defineShaders();
+    // Every effect draws through framebuffers; the fluid simulates in float R and RGB ones.
+    RequireExtension("GL_EXT_framebuffer_object");
+    RequireExtension("GL_ARB_texture_float");
+    RequireExtension("GL_ARB_texture_rg");
     defineScreenFramebuffers();
 }
 

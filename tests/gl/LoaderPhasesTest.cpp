@@ -167,6 +167,26 @@ TEST(LoaderProgress, AnEmptyListStillCountsThreeSteps) {
     KVTDemosys::resources = nullptr;
 }
 
+// A definition that requires one extension the driver has and one it cannot have.
+class DemandingResources : public ResourceDefinition {
+public:
+    void DefineResouces() override {
+        RequireExtension("GL_ARB_texture_float");
+        RequireExtension("GL_BRINOVA_imaginary_feature");
+    }
+};
+
+TEST_F(LoaderPhases, AMissingRequiredExtensionStopsLoadingAndIsNamed) {
+    DemandingResources demanding;
+    KVTDemosys::resources = &demanding;
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(loader.loadDataFiles());
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(loader.getErrorMessage(),
+              "Error: Your OpenGL implementation is missing the following extensions :\n"
+              " - GL_BRINOVA_imaginary_feature\n");
+}
+
 TEST(ResourceDefinitionDeathTest, AMissingTemplateStopsWithTheAssertion) {
     ResourceLoader loader;
     testing::internal::CaptureStdout();

@@ -2,6 +2,8 @@
 // build places them beside the program (BRINOVA_BIN_DIR/resources).
 #pragma once
 
+#include "TrackInterpolate.h"
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,7 +11,6 @@
 class FBO;
 class Shader;
 class Texture;
-class TrackInterpolate;
 
 namespace gltest {
 
