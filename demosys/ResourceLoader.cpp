@@ -118,7 +118,7 @@ bool ResourceLoader::preprocess(std::string& source, const ResourceInfo::ShaderI
     std::unique_ptr<File> file(openShaderFile(path));
     if (file == nullptr || !file->exists()) {
         const std::string kind = extension == ".vert" ? "Vertex" : "Fragement";
-        return fail(kind + " shader '" + path + "' not found");
+        return fail(kind + " shader '" + entry.file + extension + "' not found");
     }
     addShaderParams(source, entry.params);
     return shaderInclude(source, file->getAsLines(), KVTIO::ShaderPath, entry.file + extension, 0);
@@ -187,6 +187,7 @@ bool ResourceLoader::initScreen(ScreenMetrics* metrics, std::string title) {
     metrics->initView();
     std::cout << "[Supported OpenGL Extensions]" << std::endl;
     KVTDemosys::glExtensions = new GLExtensions;
+    std::cout << KVTDemosys::glExtensions->toString();
     return true;
 }
 

@@ -44,8 +44,12 @@ void main() {
 
     c += gradientTint(uv) * (1.0 - luma(c));
 
+    // Uniform branches: a whole frame takes one side, so the curve's three dependent reads
+    // and the grain cost nothing while they are off.
     float grade = clamp((contrast - 1.0) * 2.0, 0.0, 1.0);
-    c = mix(c, toneCurve(c), grade);
+    if (grade > 0.0) {
+        c = mix(c, toneCurve(c), grade);
+    }
     float slope = contrast < 1.0 ? contrast : 1.0 + max(contrast - 1.5, 0.0);
     c = (c - 0.5) * slope + 0.5;
 
@@ -59,11 +63,13 @@ void main() {
 
     // Grain: mostly luminance with a touch of colour, strongest in the mid-tones. The
     // offset jumps far across the noise picture every frame so the grain never crawls.
-    vec2 grainUv = uv * vec2(4.0, 2.25) + noise_offset * vec2(37.3, 17.9);
-    vec3 grain = texture2D(noise, grainUv).rgb - 0.5;
-    grain = mix(vec3(dot(grain, vec3(0.3333))), grain, 0.25);
-    float midtones = 0.35 + 2.6 * luma(c) * (1.0 - luma(c));
-    c += grain * noise_strength * midtones;
+    if (noise_strength != 0.0) {
+        vec2 grainUv = uv * vec2(4.0, 2.25) + noise_offset * vec2(37.3, 17.9);
+        vec3 grain = texture2D(noise, grainUv).rgb - 0.5;
+        grain = mix(vec3(dot(grain, vec3(0.3333))), grain, 0.25);
+        float midtones = 0.35 + 2.6 * luma(c) * (1.0 - luma(c));
+        c += grain * noise_strength * midtones;
+    }
 
     c = mix(c, fade_color, fade);
     gl_FragColor = vec4(clamp(c, 0.0, 1.0), 1.0);

@@ -154,6 +154,11 @@ TEST_F(TestCardRun, BenchmarkPrintsLoadTimeAndFrameStatistics) {
     ASSERT_EQ(run.status, 0) << run.output;
     EXPECT_NE(run.output.find("Benchmark: load time (start to first frame) "), std::string::npos);
     EXPECT_NE(run.output.find("Benchmark: 61 frames, mean "), std::string::npos) << run.output;
+    // The capability report follows its heading: the limits, then the extension names.
+    const size_t report = run.output.find("[Supported OpenGL Extensions]\n"
+                                          "--- Implementation Independent API Values ---\n");
+    ASSERT_NE(report, std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("GL_ARB_texture_float ", report), std::string::npos);
     EXPECT_NE(run.output.find("99th "), std::string::npos);
 }
 
@@ -182,7 +187,7 @@ TEST_F(TestCardRun, LoaderFailuresAreReportedAtShutdown) {
         std::string message;
     };
     const std::vector<Damage> cases = {
-        {"resources/shaders/flat.frag", "Fragement shader 'resources/shaders/flat.frag' not found"},
+        {"resources/shaders/flat.frag", "Fragement shader 'flat.frag' not found"},
         {"resources/shaders/colour.inc", "Failed to include '#include colour.inc'"},
         {"resources/graphics/Check.png",
          "Failed to load texture!\nFile : 'resources/graphics/Check.png'"},

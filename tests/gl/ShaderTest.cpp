@@ -239,10 +239,10 @@ TEST_F(Shaders, ALinkErrorGivesTheLoaderMessageWithTheDriversLog) {
 TEST_F(Shaders, MissingSourcesAreNamed) {
     Shader shader;
     EXPECT_FALSE(loader.loadShader(&shader, {"k", "none", {}}));
-    EXPECT_EQ(loader.getErrorMessage(), "Vertex shader 'resources/shaders/none.vert' not found");
+    EXPECT_EQ(loader.getErrorMessage(), "Vertex shader 'none.vert' not found");
     loader.files["resources/shaders/half.vert"] = PASS_VERTEX;
     EXPECT_FALSE(loader.loadShader(&shader, {"k", "half", {}}));
-    EXPECT_EQ(loader.getErrorMessage(), "Fragement shader 'resources/shaders/half.frag' not found");
+    EXPECT_EQ(loader.getErrorMessage(), "Fragement shader 'half.frag' not found");
 }
 
 TEST_F(Shaders, TextFormAndPoolReport) {
