@@ -14,6 +14,8 @@ public:
     virtual void use(KVTMaterial* material);
     virtual void release();
 
+    Shader* getShader() const { return shader; }
+
 private:
     Shader* shader = nullptr;
 };
