@@ -1,6 +1,7 @@
 #include "Animation.h"
 
 #include "AnimationCameraController.h"
+#include "AnimationObjectController.h"
 #include "KVTAssert.h"
 
 #include <cmath>
@@ -107,4 +108,8 @@ void Animation::print() const {
 
 AnimationCameraController* Animation::getCameraController() {
     return new AnimationCameraController(this);
+}
+
+AnimationObjectController* Animation::getObjectController() {
+    return new AnimationObjectController(this);
 }

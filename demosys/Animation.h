@@ -7,6 +7,7 @@
 #include <vector>
 
 class AnimationCameraController;
+class AnimationObjectController;
 
 // A path of keyframes evaluated at a progress between 0 and 1, by linear or Catmull-Rom
 // interpolation. Owns its keyframes.
@@ -36,6 +37,8 @@ public:
 
     // A new controller flying the engine camera along this path; the caller owns it.
     AnimationCameraController* getCameraController();
+    // A new controller moving a scene object along this path; the caller owns it.
+    AnimationObjectController* getObjectController();
     std::string toString() const;
     void print() const;
 

@@ -8,6 +8,7 @@
 #include "KVTDemosys.h"
 #include "KVTIO.h"
 #include "ResourceLoader.h"
+#include "ResourcePacker.h"
 #include "ScreenMetrics.h"
 #include "Timer.h"
 #include "TrackSystem.h"
@@ -24,33 +25,33 @@ Demo::~Demo() {
     delete loader;
 }
 
-bool Demo::failLoad(std::string text) {
+bool Demo::fail(std::string text) {
     message = std::move(text);
     error = true;
     return false;
 }
 
 bool Demo::load(ScreenMetrics* metrics, int resourceMode) {
-    KVT_ASSERT(KVTDemosys::resources != NULL, "demosys/Demo", "load");
+    KVT_ASSERT_AT(KVTDemosys::resources != NULL, "demosys/Demo", "load", 37);
     KVTIO::init(resourceMode);
     loader = new ResourceLoader;
     loader->useFrameClock(frameStepMs);
     loader->createDataPools();
     if (!loader->initScreen(metrics, title)) {
-        return failLoad(loader->getErrorMessage());
+        return fail(loader->getErrorMessage());
     }
     GLenum glew = glewInit();
     // A context made through EGL has every entry point loaded although GLEW, built for GLX,
     // reports that it found no GLX display.
     if (glew != GLEW_OK && !(glew == GLEW_ERROR_NO_GLX_DISPLAY && GLEW_VERSION_2_0)) {
-        return failLoad("Error initializing glew\n");
+        return fail("Error initializing glew\n");
     }
     if (!GLEW_VERSION_2_0) {
-        return failLoad("No OpenGL 2.0 support found!");
+        return fail("No OpenGL 2.0 support found!");
     }
     std::cout << "GLSL version : " << glGetString(GL_SHADING_LANGUAGE_VERSION) << std::endl;
     if (!loader->loadDataFiles() || !loader->createEffectObjects()) {
-        return failLoad(loader->getErrorMessage());
+        return fail(loader->getErrorMessage());
     }
     if (!loader->createTrackData()) {
         // Deliberately not an error: the demo still starts, its message is shown at the end.
@@ -59,10 +60,18 @@ bool Demo::load(ScreenMetrics* metrics, int resourceMode) {
         return false;
     }
     if (!loader->loadSound()) {
-        return failLoad(loader->getErrorMessage());
+        return fail(loader->getErrorMessage());
     }
     KVTIO::destroy();
     return true;
+}
+
+bool Demo::pack() {
+    if (error || loader == nullptr) {
+        return false;
+    }
+    std::string reason;
+    return packLoadedResources(*loader, reason) || fail(reason);
 }
 
 void Demo::init() {

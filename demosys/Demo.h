@@ -18,6 +18,10 @@ public:
     Demo& operator=(const Demo&) = delete;
 
     bool load(ScreenMetrics* metrics, int resourceMode);
+    // Instead of init() and run(): packs the resources load() loaded into "resources.7z" in
+    // the working folder. False, with the reason in getMessage(), when loading failed or the
+    // packing did.
+    bool pack();
     void init();
     void run();
     bool dispose();
@@ -34,7 +38,7 @@ public:
     void setFrameListener(FrameListener* listener) { frameListener = listener; }
 
 private:
-    bool failLoad(std::string text);
+    bool fail(std::string text);
     void drawFrame();
 
     ResourceLoader* loader = nullptr;

@@ -9,7 +9,6 @@
 #include "KVTIO.h"
 #include "OfflineRenderer.h"
 #include "ResourceDefinition.h"
-#include "ResourcePacker.h"
 #include "ScreenMetrics.h"
 
 #include <FL/Fl.H>
@@ -29,22 +28,6 @@ bool enterExecutableFolder(std::string& folder) {
     folder.assign(path, static_cast<size_t>(length));
     folder = folder.substr(0, folder.rfind('/'));
     return chdir(folder.c_str()) == 0;
-}
-
-// Writes resources.7z beside the program from its resources folder.
-int packFolder(const std::string& folder) {
-    if (!File::isFolder("resources")) {
-        std::cerr << BRINOVA_NAME << ": the resources '" << folder << "/resources' are missing"
-                  << std::endl;
-        return 1;
-    }
-    std::string error;
-    if (!packResources("resources", "resources.7z", error)) {
-        std::cerr << BRINOVA_NAME << ": " << error << std::endl;
-        return 1;
-    }
-    std::cout << "Packed " << folder << "/resources.7z" << std::endl;
-    return 0;
 }
 
 // Shows the launcher and copies its choice into the metrics; false when the viewer left.
@@ -69,13 +52,46 @@ void chooseFromOptions(const DemoOptions& options, ScreenMetrics& metrics) {
     metrics.setVSync(options.vsync && !options.benchmark);
 }
 
+// The production's parts into the registry, where loading finds them.
+void installProduction(const DemoMain::Production& production) {
+    KVTDemosys::pBar = production.makeProgressBar();
+    KVTDemosys::shaderCache = production.makeShaderCache();
+    KVTDemosys::resources = production.makeResources();
+}
+
+// The loader disposes of the other parts.
+void removeProduction() {
+    delete KVTDemosys::resources;
+    KVTDemosys::resources = nullptr;
+}
+
+// Loads the production as for a run, so that its declarations are complete, then writes
+// resources.7z beside the program from the resources it loaded instead of playing.
+int pack(int argc, char** argv, const DemoOptions& options, const std::string& folder,
+         const DemoMain::Production& production) {
+    ScreenMetrics metrics;
+    chooseFromOptions(options, metrics);
+    Demo demo(argc, argv);
+    installProduction(production);
+    // Nothing plays: the frame clock spares decoding the music and opening a sound device.
+    demo.useFrameClock(options.frameStepMs());
+    demo.load(&metrics, KVTIO::KVT_RESOURCES_FLAT);
+    const bool packed = demo.pack();
+    demo.dispose();
+    removeProduction();
+    if (!packed) {
+        std::cerr << BRINOVA_NAME << ": packing failed" << std::endl;
+        return 1;
+    }
+    std::cout << "Packed " << folder << "/resources.7z" << std::endl;
+    return 0;
+}
+
 int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metrics,
          const DemoMain::Production& production, OfflineRenderer::Clock::time_point start) {
     std::cout << "Run demo" << std::endl;
     Demo demo(argc, argv);
-    KVTDemosys::pBar = production.makeProgressBar();
-    KVTDemosys::shaderCache = production.makeShaderCache();
-    KVTDemosys::resources = production.makeResources();
+    installProduction(production);
     OfflineRenderer offline(options, start);
     if (options.framesDriveClock()) {
         demo.useFrameClock(options.frameStepMs());
@@ -92,8 +108,7 @@ int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metri
     demo.init();
     demo.run();
     demo.dispose();
-    delete KVTDemosys::resources;
-    KVTDemosys::resources = nullptr;
+    removeProduction();
     if (!options.framesDriveClock()) {
         return 0;
     }
@@ -124,14 +139,15 @@ int DemoMain::run(int argc, char** argv, const Production& production) {
         std::cerr << BRINOVA_NAME << ": cannot change to the program's folder" << std::endl;
         return 1;
     }
-    if (options.pack) {
-        return packFolder(folder);
-    }
-    std::string resources = options.archive ? "resources.7z" : "resources";
-    if (!(options.archive ? access(resources.c_str(), R_OK) == 0 : File::isFolder(resources))) {
+    const bool fromArchive = options.archive && !options.pack;
+    std::string resources = fromArchive ? "resources.7z" : "resources";
+    if (!(fromArchive ? access(resources.c_str(), R_OK) == 0 : File::isFolder(resources))) {
         std::cerr << BRINOVA_NAME << ": the resources '" << folder << "/" << resources
                   << "' are missing" << std::endl;
         return 1;
+    }
+    if (options.pack) {
+        return pack(argc, argv, options, folder, production);
     }
     ScreenMetrics metrics;
     if (options.showLauncher()) {

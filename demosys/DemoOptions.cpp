@@ -64,7 +64,7 @@ std::string DemoOptions::usage(const std::string& program) {
            "                        render the frame at that time to a PNG (repeatable), quit\n"
            "  --capture DIR --fps N render every frame at N frames a second into DIR as PNGs\n"
            "  --benchmark           render as fast as possible and print frame statistics\n"
-           "  --pack                write resources.7z from the resource folder and quit\n";
+           "  --pack                pack the production's resources into resources.7z, quit\n";
 }
 
 bool DemoOptions::showLauncher() const {

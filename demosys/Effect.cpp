@@ -7,6 +7,7 @@
 
 #include <iostream>
 
+// The look-ups' assertion messages name fixed lines (see KVT_ASSERT_AT).
 namespace {
 const char* const Source = "demosys/Effect";
 }
@@ -35,31 +36,31 @@ void Effect::addTrack(std::string name, TrackInterpolate*& slot) {
 }
 
 Shader* Effect::GetShader(std::string key) {
-    return PoolLookup::shader(key, Source, "GetShader");
+    return PoolLookup::shader(key, {Source, "GetShader", 54});
 }
 
 Texture* Effect::GetTexture(std::string key) {
-    return PoolLookup::texture(key, Source, "GetTexture");
+    return PoolLookup::texture(key, {Source, "GetTexture", 61});
 }
 
 FBO* Effect::GetFBO(std::string key) {
-    return PoolLookup::fbo(key, Source, "GetFBO");
+    return PoolLookup::fbo(key, {Source, "GetFBO", 68});
 }
 
 KVTScene* Effect::GetScene(std::string key) {
-    return PoolLookup::scene(key, Source, "GetScene");
+    return PoolLookup::scene(key, {Source, "GetScene", 75});
 }
 
 Binary* Effect::GetBinary(std::string key) {
-    return PoolLookup::binary(key, Source, "GetBinary");
+    return PoolLookup::binary(key, {Source, "GetBinary", 82});
 }
 
 Animation* Effect::GetAnimation(std::string key) {
-    return PoolLookup::animation(key, Source, "GetAnimation");
+    return PoolLookup::animation(key, {Source, "GetAnimation", 89});
 }
 
 Effect* Effect::GetEffect(std::string key) {
-    return PoolLookup::effect(key, Source, "GetEffect");
+    return PoolLookup::effect(key, {Source, "GetEffect", 96});
 }
 
 ShaderInstance* Effect::GetShaderInstance(std::string key) {

@@ -251,20 +251,15 @@ bool KVTSceneLoader::deindex(const Mesh& mesh, int corners, std::vector<float>& 
         int size;
         int count;
         int offset;
-        // Where its floats go in a corner: always position, normal, texture coordinate.
-        int place;
         const char* name;
     };
-    const int positionFloats = mesh.vertexCount() > 0 ? 3 : 0;
-    const int normalFloats = mesh.normalCount() > 0 ? 3 : 0;
-    const int uvFloats = mesh.texcoordCount() > 0 ? 2 : 0;
     const Stream streams[3] = {
-        {mesh.positions, 3, mesh.vertexCount(), mesh.vertexOffset, 0, "positions"},
-        {mesh.normals, 3, mesh.normalCount(), mesh.normalOffset, positionFloats, "normals"},
-        {mesh.texcoords, 2, mesh.texcoordCount(), mesh.texcoordOffset,
-         positionFloats + normalFloats, "texture coordinates"}};
+        {mesh.positions, 3, mesh.vertexCount(), mesh.vertexOffset, "positions"},
+        {mesh.normals, 3, mesh.normalCount(), mesh.normalOffset, "normals"},
+        {mesh.texcoords, 2, mesh.texcoordCount(), mesh.texcoordOffset, "texture coordinates"}};
     // Each slot of the index tuple is taken by the first present stream at that offset; a
-    // slot no stream takes consumes no index.
+    // slot no stream takes consumes no index. A corner holds its streams in slot order; a
+    // present stream that takes no slot leaves zeros at the corner's end.
     const Stream* slots[3] = {};
     for (int slot = 0; slot < 3; ++slot) {
         for (const Stream& stream : streams) {
@@ -273,7 +268,10 @@ bool KVTSceneLoader::deindex(const Mesh& mesh, int corners, std::vector<float>& 
             }
         }
     }
-    const int cornerFloats = positionFloats + normalFloats + uvFloats;
+    int cornerFloats = 0;
+    for (const Stream& stream : streams) {
+        cornerFloats += stream.count > 0 ? stream.size : 0;
+    }
     out.assign(static_cast<std::size_t>(corners) * cornerFloats, 0.0f);
     // At most stride indices are taken per corner, so the list cannot run out.
     std::size_t next = 0;
@@ -292,7 +290,7 @@ bool KVTSceneLoader::deindex(const Mesh& mesh, int corners, std::vector<float>& 
             }
             const float* element =
                 stream->elements.data() + static_cast<std::size_t>(index) * stream->size;
-            std::copy(element, element + stream->size, at + stream->place);
+            at = std::copy(element, element + stream->size, at);
         }
     }
     return true;

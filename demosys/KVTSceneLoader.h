@@ -64,8 +64,8 @@ public:
 protected:
     // Where the files come from: a new File the caller owns. Resource files by default.
     virtual File* openFile(const std::string& filePath);
-    // Fills the vertex buffer with the de-indexed corners (position, normal and texture
-    // coordinate floats as the counts say, interleaved in that order).
+    // Fills the vertex buffer with the de-indexed corners: per corner the floats of each
+    // stream (as many as the counts say), in the order of the streams' slots.
     virtual void uploadMesh(VBO* vbo, int corners, int vertexFloats, int normalFloats, int uvFloats,
                             const std::vector<float>& data);
 
@@ -74,7 +74,7 @@ private:
                      bool (KVTSceneLoader::*reader)(File*));
     bool readMeshRecord(File* file, KVTSceneRecord::Mesh& mesh);
     void echoMesh(const KVTSceneRecord::Mesh& mesh, int stride) const;
-    // Copies the elements each corner's index tuple addresses into out.
+    // Copies the elements each corner's index tuple addresses into out, in slot order.
     bool deindex(const KVTSceneRecord::Mesh& mesh, int corners, std::vector<float>& out);
     bool readNodeRecord(File* file, KVTSceneRecord::Node& node);
     void echoNode(const KVTSceneRecord::Node& node) const;

@@ -101,6 +101,10 @@ bool MusicTimer::dispose() {
     return false;
 }
 
+unsigned int MusicTimer::getSoundChannel() const {
+    return device->hasChannel() ? device->getDeviceID() : 0;
+}
+
 void MusicTimer::pause() {
     paused = true;
     device->setPaused(true);

@@ -43,6 +43,11 @@ public:
     void updateSDLTime(unsigned int time);
     // The music's play position in milliseconds.
     unsigned int getSoundTime();
+    // The handle of the channel that plays the music. Over SDL's audio the music has an
+    // audio device of its own, so this is that device's id (an SDL_AudioDeviceID), for
+    // SDL's device calls; 0 while no music is set up to play, before init() and after
+    // dispose().
+    unsigned int getSoundChannel() const;
     // count (1 to MAX_SPECTRUM) magnitudes of the music just before its play position:
     // LEFT and RIGHT read channel offsets 0 and 1, CHANNEL_2 the sum of the spectra of
     // offsets 0 and 2, CHANNEL_3 their average. Offsets wrap round the file's channels, so

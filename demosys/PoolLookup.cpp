@@ -14,45 +14,45 @@
 // clang-format off
 namespace PoolLookup {
 
-Shader* shader(const std::string& key, const char* source, const char* function) {
+Shader* shader(const std::string& key, const AssertSite& site) {
     Shader* shader = KVTDemosys::shaderDataPool->getShader(key);
-    KVT_ASSERT(shader != NULL, source, function);
+    KVT_ASSERT_AT(shader != NULL, site.file, site.function, site.line);
     return shader;
 }
 
-Texture* texture(const std::string& key, const char* source, const char* function) {
+Texture* texture(const std::string& key, const AssertSite& site) {
     Texture* tex = KVTDemosys::textureDataPool->getTexture(key);
-    KVT_ASSERT(tex!=NULL, source, function);
+    KVT_ASSERT_AT(tex!=NULL, site.file, site.function, site.line);
     return tex;
 }
 
-FBO* fbo(const std::string& key, const char* source, const char* function) {
+FBO* fbo(const std::string& key, const AssertSite& site) {
     FBO* fbo = KVTDemosys::fboDataPool->getFBO(key);
-    KVT_ASSERT(fbo != NULL, source, function);
+    KVT_ASSERT_AT(fbo != NULL, site.file, site.function, site.line);
     return fbo;
 }
 
-KVTScene* scene(const std::string& key, const char* source, const char* function) {
+KVTScene* scene(const std::string& key, const AssertSite& site) {
     KVTScene* scene = KVTDemosys::sceneDataPool->getObject(key);
-    KVT_ASSERT(scene != NULL, source, function);
+    KVT_ASSERT_AT(scene != NULL, site.file, site.function, site.line);
     return scene;
 }
 
-Binary* binary(const std::string& key, const char* source, const char* function) {
+Binary* binary(const std::string& key, const AssertSite& site) {
     Binary* bin = KVTDemosys::binaryDataPool->getData(key);
-    KVT_ASSERT(bin != NULL, source, function);
+    KVT_ASSERT_AT(bin != NULL, site.file, site.function, site.line);
     return bin;
 }
 
-Animation* animation(const std::string& key, const char* source, const char* function) {
+Animation* animation(const std::string& key, const AssertSite& site) {
     Animation* anim = KVTDemosys::animDataPool->getAnimation(key);
-    KVT_ASSERT(anim != NULL, source, function);
+    KVT_ASSERT_AT(anim != NULL, site.file, site.function, site.line);
     return anim;
 }
 
-Effect* effect(const std::string& key, const char* source, const char* function) {
+Effect* effect(const std::string& key, const AssertSite& site) {
     Effect* effect = KVTDemosys::effectDataPool->getEffect(key);
-    KVT_ASSERT(effect != NULL, source, function);
+    KVT_ASSERT_AT(effect != NULL, site.file, site.function, site.line);
     return effect;
 }
 

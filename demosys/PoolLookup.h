@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KVTAssert.h"
+
 #include <string>
 
 class Animation;
@@ -11,13 +13,13 @@ class Shader;
 class Texture;
 
 // Look-ups by key in the registry's pools that must succeed: a missing key is a programming
-// error, reported as an assertion naming the caller's source file and function.
+// error, reported as an assertion at the caller's site (its source file, function and line).
 namespace PoolLookup {
-Shader* shader(const std::string& key, const char* source, const char* function);
-Texture* texture(const std::string& key, const char* source, const char* function);
-FBO* fbo(const std::string& key, const char* source, const char* function);
-KVTScene* scene(const std::string& key, const char* source, const char* function);
-Binary* binary(const std::string& key, const char* source, const char* function);
-Animation* animation(const std::string& key, const char* source, const char* function);
-Effect* effect(const std::string& key, const char* source, const char* function);
+Shader* shader(const std::string& key, const AssertSite& site);
+Texture* texture(const std::string& key, const AssertSite& site);
+FBO* fbo(const std::string& key, const AssertSite& site);
+KVTScene* scene(const std::string& key, const AssertSite& site);
+Binary* binary(const std::string& key, const AssertSite& site);
+Animation* animation(const std::string& key, const AssertSite& site);
+Effect* effect(const std::string& key, const AssertSite& site);
 } // namespace PoolLookup

@@ -75,25 +75,25 @@ Effect* ResourceDefinition::CreateEffectInstance(std::string classKey, std::stri
 }
 
 Shader* ResourceDefinition::GetShader(std::string key) {
-    return PoolLookup::shader(key, Source, "GetShader");
+    return PoolLookup::shader(key, {Source, "GetShader", __LINE__});
 }
 
 Texture* ResourceDefinition::GetTexture(std::string key) {
-    return PoolLookup::texture(key, Source, "GetTexture");
+    return PoolLookup::texture(key, {Source, "GetTexture", __LINE__});
 }
 
 FBO* ResourceDefinition::GetFBO(std::string key) {
-    return PoolLookup::fbo(key, Source, "GetFBO");
+    return PoolLookup::fbo(key, {Source, "GetFBO", __LINE__});
 }
 
 KVTScene* ResourceDefinition::GetScene(std::string key) {
-    return PoolLookup::scene(key, Source, "GetScene");
+    return PoolLookup::scene(key, {Source, "GetScene", __LINE__});
 }
 
 Binary* ResourceDefinition::GetBinary(std::string key) {
-    return PoolLookup::binary(key, Source, "GetBinary");
+    return PoolLookup::binary(key, {Source, "GetBinary", __LINE__});
 }
 
 Animation* ResourceDefinition::GetAnimation(std::string key) {
-    return PoolLookup::animation(key, Source, "GetAnimation");
+    return PoolLookup::animation(key, {Source, "GetAnimation", __LINE__});
 }

@@ -445,8 +445,9 @@ namespace {
 
 const std::string ARCHIVE = "resources.7z";
 
-// Every resource file the production loads, in the order the packing script adds them.
-std::vector<std::string> packedResources() {
+} // namespace
+
+std::vector<std::string> ResourceLoader::packedResources() {
     std::vector<std::string> paths;
     if (!KVTDemosys::MusicFile.empty()) {
         paths.push_back(KVTIO::SoundPath + KVTDemosys::MusicFile);
@@ -480,8 +481,6 @@ std::vector<std::string> packedResources() {
     }
     return paths;
 }
-
-} // namespace
 
 bool ResourceLoader::createCopyScript(std::string archiver, std::string scriptName) {
     std::string script = "rm  " + ARCHIVE + " \n" + "rm " + ARCHIVE + ".log\n";

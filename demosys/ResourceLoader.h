@@ -52,6 +52,9 @@ public:
     // both sources of every shader, the track files, the further files listed (shader
     // includes) and the progress bar's own files. Run it by hand once the list is loaded.
     bool createCopyScript(std::string archiver, std::string scriptName);
+    // The files that script packs, in its order: every resource file of the loaded
+    // production.
+    static std::vector<std::string> packedResources();
 
     // Offline rendering: the clock counts frames of stepMs milliseconds, and no music plays.
     void useFrameClock(double stepMs) { frameStepMs = stepMs; }

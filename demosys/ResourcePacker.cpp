@@ -1,85 +1,77 @@
 #include "ResourcePacker.h"
 
+#include "ResourceLoader.h"
+#include "archive/packman.h"
+
 #include <spawn.h>
 #include <sys/wait.h>
 
+#include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
 #include <vector>
 
 extern char** environ;
 
-namespace fs = std::filesystem;
-
 namespace {
 
+const char* const ARCHIVE = "resources.7z";
 const char* const ARCHIVER = "7zz";
+const char* const SCRIPT = "resources.7z.sh";
 
-// Runs the archiver in the given folder and waits for it; its exit status, or a negative
-// errno-style code when it could not be started.
-int runArchiver(const fs::path& folder, std::vector<std::string> arguments) {
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) {
-        argv.push_back(argument.data());
-    }
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+// Runs the script with the shell and waits for it; false with error set when it could not
+// be run to its end. Its exit status is that of its last line, so it says nothing of the
+// lines before: the archive is checked instead.
+bool runScript(const char* script, std::string& error) {
+    char shell[] = "sh";
+    std::string path = script;
+    char* argv[] = {shell, path.data(), nullptr};
     pid_t child = 0;
-    const int started = posix_spawnp(&child, ARCHIVER, &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
+    const int started = posix_spawnp(&child, shell, nullptr, nullptr, argv, environ);
     if (started != 0) {
-        return -started;
+        error = std::string("Cannot run the packing script : ") + std::strerror(started);
+        return false;
     }
     int status = 0;
     if (waitpid(child, &status, 0) < 0 || !WIFEXITED(status)) {
-        return -ECHILD;
+        error = "The packing script did not finish";
+        return false;
     }
-    return WEXITSTATUS(status);
+    return true;
 }
 
-// The folder as an absolute path without a trailing separator.
-fs::path folderPath(const std::string& folder) {
-    std::error_code ignored;
-    fs::path path = fs::absolute(folder, ignored).lexically_normal();
-    return path.has_filename() ? path : path.parent_path();
+// The first resource the archive lacks, or an empty string when it holds them all.
+std::string firstMissingEntry(const std::vector<std::string>& resources) {
+    for (const std::string& path : resources) {
+        if (packman_getFileSize(path.c_str()) < 0) {
+            return path;
+        }
+    }
+    return "";
 }
 
-std::string archiverFailure(int status, const std::string& resourceFolder) {
-    if (status < 0) {
-        return std::string("Cannot run ") + ARCHIVER + " : " + std::strerror(-status);
+bool checkArchive(const std::vector<std::string>& resources, std::string& error) {
+    const std::string seeLog = std::string(" (see ") + ARCHIVE + ".log)";
+    if (packman_init(ARCHIVE) != 0) {
+        error = std::string("The packing script wrote no readable '") + ARCHIVE + "'" + seeLog;
+        return false;
     }
-    return std::string(ARCHIVER) + " failed with status " + std::to_string(status) + " packing '" +
-           resourceFolder + "'";
+    const std::string missing = firstMissingEntry(resources);
+    packman_shutdown();
+    if (!missing.empty()) {
+        error = std::string("'") + ARCHIVE + "' lacks '" + missing + "'" + seeLog;
+        return false;
+    }
+    return true;
 }
 
 } // namespace
 
-bool packResources(const std::string& resourceFolder, const std::string& archivePath,
-                   std::string& error) {
-    std::error_code failure;
-    const fs::path folder = folderPath(resourceFolder);
-    if (!fs::is_directory(folder, failure)) {
-        error = "Resource folder '" + resourceFolder + "' not found";
+bool packLoadedResources(ResourceLoader& loader, std::string& error) {
+    if (!loader.createCopyScript(ARCHIVER, SCRIPT)) {
+        error = std::string("Cannot write the packing script '") + SCRIPT + "'";
         return false;
     }
-    const fs::path archive = fs::absolute(archivePath, failure);
-    const fs::path partial = archive.string() + ".part";
-    fs::remove(partial, failure);
-    const int status = runArchiver(folder.parent_path(),
-                                   {ARCHIVER, "a", "-t7z", "-ms=off", "-mx=9", "-bso0", "-bsp0",
-                                    "--", partial.string(), folder.filename().string()});
-    if (status != 0) {
-        fs::remove(partial, failure);
-        error = archiverFailure(status, resourceFolder);
-        return false;
-    }
-    fs::rename(partial, archive, failure);
-    if (failure) {
-        error = "Cannot write '" + archivePath + "' : " + failure.message();
-        return false;
-    }
-    return true;
+    const bool ran = runScript(SCRIPT, error);
+    std::remove(SCRIPT);
+    return ran && checkArchive(ResourceLoader::packedResources(), error);
 }

@@ -2,11 +2,14 @@
 
 #include <string>
 
-// Packs a resource folder into the resource archive with the 7zz archiver: non-solid (each
-// entry decodes on its own) at the strongest compression, as the packing script does. Entries
-// are named by the folder's own name and the paths below it, so packing the folder
-// "resources" gives entries such as "resources/graphics/x.png", the names the engine asks
-// for. An archive already there is replaced only once the new one is complete.
-// False with error set when the folder is missing or the archiver fails.
-bool packResources(const std::string& resourceFolder, const std::string& archivePath,
-                   std::string& error);
+class ResourceLoader;
+
+// Packs the resources of the production the loader has loaded into "resources.7z" in the
+// working folder, the way its packing script says: writes the loader's script for the 7zz
+// archiver (non-solid, strongest compression, one addition per declared resource), runs it
+// with the shell, and then checks that the archive holds every resource the script names.
+// Files in the resource folder that the production does not declare stay out. The
+// archiver's output is left in "resources.7z.log".
+// False with error set when the script cannot be written or run, or the archive lacks an
+// entry (a declared file that is missing, or an archiver that failed).
+bool packLoadedResources(ResourceLoader& loader, std::string& error);

@@ -6,6 +6,10 @@
 #include "PoolLookup.h"
 #include "ShaderInstance.h"
 
+// The assertion messages name fixed lines (see KVT_ASSERT_AT).
+namespace {
+const char* const Source = "demosys/ShaderCache";
+}
 
 ShaderCache::~ShaderCache() {
     for (auto& [name, instance] : instances) {
@@ -16,7 +20,7 @@ ShaderCache::~ShaderCache() {
 
 void ShaderCache::addShaderInstance(std::string name, ShaderInstance* instance) {
     if (shaderInstanceExists(name)) {
-        KVT_ASSERT(0, "demosys/ShaderCache", "addShaderInstance");
+        KVT_ASSERT_AT(0, Source, "addShaderInstance", 50);
     }
     instances[name] = instance;
 }
@@ -28,17 +32,17 @@ bool ShaderCache::shaderInstanceExists(const std::string& name) const {
 ShaderInstance* ShaderCache::getShaderInstance(const std::string& name) const {
     auto found = instances.find(name);
     if (found == instances.end()) {
-        KVT_ASSERT(0, "demosys/ShaderCache", "getShaderInstance");
+        KVT_ASSERT_AT(0, Source, "getShaderInstance", 40);
     }
     return found->second;
 }
 
 Shader* ShaderCache::GetShader(const std::string& name) const {
-    return PoolLookup::shader(name, "demosys/ShaderCache", "GetShader");
+    return PoolLookup::shader(name, {Source, "GetShader", 65});
 }
 
 Texture* ShaderCache::GetTexture(const std::string& name) const {
-    return PoolLookup::texture(name, "demosys/ShaderCache", "GetTexture");
+    return PoolLookup::texture(name, {Source, "GetTexture", 72});
 }
 
 int ShaderCache::GetSceneCount() const {
@@ -46,7 +50,7 @@ int ShaderCache::GetSceneCount() const {
 }
 
 KVTScene* ShaderCache::GetScene(int i) const {
-    KVT_ASSERT(i >= 0 && i < KVTDemosys::sceneDataPool->size(), "demosys/ShaderCache", "GetScene");
+    KVT_ASSERT_AT(i >= 0 && i < KVTDemosys::sceneDataPool->size(), Source, "GetScene", 90);
     return KVTDemosys::sceneDataPool->getObject(i);
 }
 

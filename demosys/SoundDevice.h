@@ -29,6 +29,8 @@ public:
     // must outlive the channel: stop() or close() end it.
     void attach(const SoundBuffer* sound);
     bool hasChannel() const { return device != 0 && sound != nullptr; }
+    // SDL's id of the open audio device, 0 when none is open.
+    unsigned int getDeviceID() const { return device; }
     void setPaused(bool flag);
     // In frames at the device's rate; a position past the end stops at the end.
     void seek(long frame);

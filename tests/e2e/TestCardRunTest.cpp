@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <set>
+#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -219,12 +221,29 @@ TEST_F(TestCardRun, CorruptTrackDataIsNamedAndTheDemoStillPlays) {
     EXPECT_TRUE(fs::exists(folder / "x.png"));
 }
 
+// The archive holds what the test card declares, shader includes too, and nothing else from
+// the folder (neither the launcher's banner nor a stray file).
 TEST_F(TestCardRun, PackedResourcesPlayLikeTheFolder) {
     std::string program = copyOfTestCard();
+    fs::path card = fs::path(program).parent_path();
+    fs::copy_file(card / "resources/graphics/Check.png", card / "resources/graphics/Stray.png");
     Outcome pack = runCommand(program + " --pack");
     ASSERT_EQ(pack.status, 0) << pack.output;
-    fs::path card = fs::path(program).parent_path();
     ASSERT_TRUE(fs::exists(card / "resources.7z"));
+    Outcome listing = runCommand("cd '" + card.string() + "' && 7zz l -ba -slt resources.7z");
+    std::set<std::string> entries;
+    std::istringstream lines(listing.output);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("Path = ", 0) == 0) {
+            entries.insert(line.substr(7));
+        }
+    }
+    EXPECT_EQ(entries,
+              (std::set<std::string>{"resources/graphics/Check.png", "resources/shaders/colour.inc",
+                                     "resources/shaders/copy.frag", "resources/shaders/copy.vert",
+                                     "resources/shaders/flat.frag", "resources/shaders/flat.vert",
+                                     "resources/tracks/index.list", "resources/tracks/track.data"}))
+        << listing.output;
     Outcome folderRun = runDemo(program, shot("00:02:900", "folder.png"));
     fs::rename(card / "resources", card / "moved-away");
     Outcome archiveRun = runDemo(program, "--archive " + shot("00:02:900", "archive.png"));

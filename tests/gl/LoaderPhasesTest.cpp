@@ -1,9 +1,11 @@
 // The loader's phases against the registry: progress counting, shared picture files,
-// effect instancing and track data, disposal; and the camera controller.
+// effect instancing and track data, disposal, the assertions that stop at missing resources;
+// and the camera controller.
 #include "Animation.h"
 #include "AnimationCameraController.h"
 #include "DataEffectPool.h"
 #include "DataTexturePool.h"
+#include "Demo.h"
 #include "Effect.h"
 #include "KVTDemosys.h"
 #include "Keyframe.h"
@@ -11,6 +13,7 @@
 #include "ProgressBar.h"
 #include "ResourceDefinition.h"
 #include "ResourceLoader.h"
+#include "ScreenMetrics.h"
 #include "TrackInterpolate.h"
 #include "TrackSystem.h"
 
@@ -187,7 +190,7 @@ TEST_F(LoaderPhases, AMissingRequiredExtensionStopsLoadingAndIsNamed) {
               " - GL_BRINOVA_imaginary_feature\n");
 }
 
-TEST(ResourceDefinitionDeathTest, AMissingTemplateStopsWithTheAssertion) {
+TEST(ResourceDefinitionDeathTest, MissingResourcesStopWithTheirAssertions) {
     ResourceLoader loader;
     testing::internal::CaptureStdout();
     loader.createDataPools();
@@ -196,6 +199,20 @@ TEST(ResourceDefinitionDeathTest, AMissingTemplateStopsWithTheAssertion) {
     EXPECT_DEATH(definition.CreateEffectInstance("NoSuchEffect", "x", true),
                  "demosys/ResourceDefinition.*CreateEffectInstance.*effect != NULL");
     EXPECT_DEATH(definition.GetTexture("missing"), "tex!=NULL");
+    // An effect's look-ups name their fixed lines.
+    Effect effect;
+    EXPECT_DEATH(effect.GetShader("x"), "demosys/Effect, GetShader \\(line 54\\): shader != NULL");
+    EXPECT_DEATH(effect.GetTexture("x"), "demosys/Effect, GetTexture \\(line 61\\): tex!=NULL");
+    EXPECT_DEATH(effect.GetFBO("x"), "demosys/Effect, GetFBO \\(line 68\\): fbo != NULL");
+    EXPECT_DEATH(effect.GetScene("x"), "demosys/Effect, GetScene \\(line 75\\): scene != NULL");
+    EXPECT_DEATH(effect.GetBinary("x"), "demosys/Effect, GetBinary \\(line 82\\): bin != NULL");
+    EXPECT_DEATH(effect.GetAnimation("x"),
+                 "demosys/Effect, GetAnimation \\(line 89\\): anim != NULL");
+    EXPECT_DEATH(effect.GetEffect("x"), "demosys/Effect, GetEffect \\(line 96\\): effect != NULL");
+    Demo demo(0, nullptr);
+    ScreenMetrics metrics;
+    EXPECT_DEATH(demo.load(&metrics, 0),
+                 "demosys/Demo, load \\(line 37\\): KVTDemosys::resources != NULL");
     testing::internal::CaptureStdout();
     loader.dispose();
     testing::internal::GetCapturedStdout();

@@ -1,5 +1,8 @@
 #include "Animation.h"
+#include "AnimationObjectController.h"
 #include "AnimationParser.h"
+#include "Camera.h"
+#include "KVTObject.h"
 
 #include <cstdio>
 #include <fstream>
@@ -178,4 +181,41 @@ TEST(Animation, UnknownInterpolationDoesNothing) {
     EXPECT_EQ(printedBy(*animation, 0.5), "");
     EXPECT_EQ(animation->getPitch(), 0);
     expectVectorNear(animation->getPosition(), 0, 0, 0);
+}
+
+// Within its span the object rides the path: it stands where a camera on the path would,
+// looks the way that camera looks, and the camera's view turns it back to no rotation.
+TEST(AnimationObjectController, MovesTheObjectAlongThePathWithinItsSpanOnly) {
+    Animation path;
+    path.addKeyframe(new Keyframe(Vector<float, 3>(0, 0, 0), 0.0f, 0.0f));
+    path.addKeyframe(new Keyframe(Vector<float, 3>(10, 4, -2), 60.0f, 120.0f));
+    std::unique_ptr<AnimationObjectController> controller(path.getObjectController());
+    controller->setStartTime(KVTTime(0, 1, 0));
+    controller->setEndTime(KVTTime(0, 3, 0));
+    controller->animate(2000); // no object yet: nothing to move
+    KVTObject object;
+    controller->setObject(&object);
+    controller->animate(500);
+    controller->animate(3500);
+    for (int k = 0; k < 16; ++k) {
+        EXPECT_EQ(object.getMatrix()[k], k % 5 == 0 ? 1.0f : 0.0f) << "outside the span " << k;
+    }
+
+    controller->animate(2000); // halfway: (5, 2, -1), pitch 30, heading 60
+    const KVTObject::Matrix4 pose = object.getMatrix();
+    expectVectorNear(Vector<float, 3>(pose[12], pose[13], pose[14]), 5, 2, -1);
+    EXPECT_EQ(pose[15], 1.0f);
+    Camera camera;
+    camera.setPitch(30);
+    camera.setHeading(60);
+    const KVTObject::Matrix4 undone = camera.updateOrientation().mult(pose);
+    for (int column = 0; column < 3; ++column) {
+        for (int row = 0; row < 4; ++row) {
+            EXPECT_NEAR(undone[column * 4 + row], column == row ? 1 : 0, 1e-5) << column << row;
+        }
+    }
+    // The object's front is its -z axis.
+    expectVectorNear(Vector<float, 3>(-pose[8], -pose[9], -pose[10]), camera.getDirection().x(),
+                     camera.getDirection().y(), camera.getDirection().z());
+    EXPECT_NEAR(camera.getDirection().y(), -0.5f, 1e-5) << "a positive pitch looks down";
 }

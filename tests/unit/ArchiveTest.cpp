@@ -1,12 +1,11 @@
 // The resource archive with archives made by 7zz: lookups, extraction, damaged archives,
-// the trusted coders, KVTIO's archive mode and the packer.
+// the trusted coders and KVTIO's archive mode.
 #include "ArchiveFiles.h"
 #include "Binary.h"
 #include "File.h"
 #include "Image.h"
 #include "KVTIO.h"
 #include "PictureFiles.h"
-#include "ResourcePacker.h"
 #include "archive/arc.h"
 #include "archive/packman.h"
 
@@ -312,29 +311,6 @@ TEST_F(ArchiveTest, KVTIOInitOpensTheArchiveAndDestroyClosesIt) {
     EXPECT_TRUE(open->exists());
     EXPECT_EQ(open->getAsString(), "abc");
     EXPECT_FALSE(closed->exists());
-}
-
-// --- the packer ---
-
-TEST_F(ArchiveTest, PackerWritesANonSolidArchiveOfTheWholeFolder) {
-    addFile("resources/misc/a.bin", randomBytes(3000, 21));
-    addFile("resources/graphics/b.png", randomBytes(3000, 22));
-    addFile("resources/tracks/index.list", bytesOf("track"));
-    testpictures::writeFile(folder + "stale.7z", bytesOf("an old archive"));
-    std::string error;
-    ASSERT_TRUE(packResources(folder + "resources/", folder + "stale.7z", error)) << error;
-    EXPECT_FALSE(fs::exists(folder + "stale.7z.part"));
-    const std::string listing = testarchives::sevenZipOutput(folder, "l -slt stale.7z");
-    EXPECT_NE(listing.find("Solid = -"), std::string::npos) << listing;
-    ASSERT_TRUE(arc_load(folder + "stale.7z"));
-    expectEveryEntryRead();
-}
-
-TEST_F(ArchiveTest, PackerReportsAMissingFolder) {
-    std::string error;
-    EXPECT_FALSE(packResources(folder + "nowhere", folder + "resources.7z", error));
-    EXPECT_NE(error.find(folder + "nowhere"), std::string::npos) << error;
-    EXPECT_FALSE(fs::exists(folder + "resources.7z"));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "SoundFiles.h"
 #include "archive/arc.h"
 
+#include <SDL_audio.h>
 #include <SDL_timer.h>
 #include <gtest/gtest.h>
 
@@ -286,6 +287,19 @@ TEST_F(MusicTimerTest, DisposeReportsFalseAfterACleanShutdown) {
 
     MusicTimer never(folder + "unused.wav", ROW_RATE);
     EXPECT_TRUE(never.dispose());
+}
+
+// The channel is the SDL audio device that plays the music, open from init() to dispose().
+TEST_F(MusicTimerTest, TheSoundChannelIsTheMusicsAudioDevice) {
+    MusicTimer timer(stereoTone("tone.wav", testsounds::WAV), ROW_RATE);
+    EXPECT_EQ(timer.getSoundChannel(), 0u);
+    ASSERT_TRUE(timer.init());
+    const SDL_AudioDeviceID channel = timer.getSoundChannel();
+    ASSERT_NE(channel, 0u);
+    EXPECT_EQ(SDL_GetAudioDeviceStatus(channel), SDL_AUDIO_PLAYING);
+    timer.dispose();
+    EXPECT_EQ(timer.getSoundChannel(), 0u);
+    EXPECT_EQ(SDL_GetAudioDeviceStatus(channel), SDL_AUDIO_STOPPED);
 }
 
 // --- archive mode ---

@@ -258,7 +258,8 @@ TEST_F(SceneLoading, PositionsAndTextureCoordinatesGiveFiveFloatsPerCorner) {
               (std::vector<float>{4, 5, 6, 0.5f, 0.25f, 1, 2, 3, 0.75f, 1, 4, 5, 6, 0.75f, 1}));
 }
 
-TEST_F(SceneLoading, SlotsSayWhichIndexIsWhichButCornersKeepTheBufferOrder) {
+// Slots say which index of a corner is which, and the corner's floats follow the slots.
+TEST_F(SceneLoading, CornersHoldTheirStreamsInSlotOrder) {
     KVTSceneWriter writer;
     R::Mesh mesh;
     mesh.positions = {1, 1, 1, 2, 2, 2};
@@ -267,8 +268,21 @@ TEST_F(SceneLoading, SlotsSayWhichIndexIsWhichButCornersKeepTheBufferOrder) {
     mesh.vertexOffset = 1;
     mesh.indices = {0, 1, 0, 0};
     writer.addMesh(mesh);
+    R::Mesh reordered = triangleMesh();
+    reordered.id = 11;
+    reordered.texcoordOffset = 0;
+    reordered.vertexOffset = 1;
+    reordered.normalOffset = 2;
+    // (texcoord, position, normal) per corner.
+    reordered.indices = {2, 1, 0, 0, 2, 0, 1, 0, 0};
+    writer.addMesh(reordered);
     ASSERT_NE(load(writer), nullptr);
-    EXPECT_EQ(loader->uploads[0].data, (std::vector<float>{2, 2, 2, 0, 0, 1, 1, 1, 1, 0, 0, 1}));
+    ASSERT_EQ(loader->uploads.size(), 2u);
+    EXPECT_EQ(loader->uploads[0].data, (std::vector<float>{0, 0, 1, 2, 2, 2, 0, 0, 1, 1, 1, 1}));
+    EXPECT_EQ(loader->uploads[1].corners, 3);
+    EXPECT_EQ(loader->uploads[1].data, (std::vector<float>{0, 1, 1, 0, 0, 0, 0, 1, //
+                                                           0, 0, 0, 1, 0, 0, 0, 1, //
+                                                           1, 0, 0, 0, 0, 0, 0, 1}));
 }
 
 TEST_F(SceneLoading, AnIndexListNotAMultipleOfTheStrideDropsTheIncompleteCorner) {

@@ -218,7 +218,8 @@ TEST(ShaderCacheDeathTest, HandsOutScenesInKeyOrderAndChecksTheIndex) {
     EXPECT_EQ(cache.GetScene(0), reef);
     EXPECT_EQ(cache.GetScene("ship"), ship);
     EXPECT_EQ(cache.GetScene("wreck"), nullptr);
-    EXPECT_DEATH(cache.GetScene(2), "GetScene .*: i >= 0 && i < KVTDemosys::sceneDataPool->size");
+    EXPECT_DEATH(cache.GetScene(2),
+                 "GetScene \\(line 90\\): i >= 0 && i < KVTDemosys::sceneDataPool->size");
     EXPECT_DEATH(cache.GetScene(-1), "GetScene");
     KVTDemosys::sceneDataPool = nullptr;
 }
