@@ -7,11 +7,9 @@ namespace texgen {
 
 namespace {
 
-constexpr int kSheetWidth = 1680;
 constexpr int kGap = 14;
 constexpr int kLabelHeight = 18;
 constexpr int kSquareBox = 256;
-constexpr int kWideBox = 540;
 constexpr int kPlotHeight = 90;
 const Colour kBackdrop{0.11f, 0.115f, 0.125f};
 
@@ -19,12 +17,12 @@ struct Size {
     int width, height;
 };
 
-Size displaySize(const Picture& p) {
+Size displaySize(const Picture& p, int wideBox) {
     if (p.height == 1) {
         return {kSquareBox, 24 + kPlotHeight};
     }
     const float aspect = float(p.width) / float(p.height);
-    const int box = aspect >= 1.6f ? kWideBox : kSquareBox;
+    const int box = aspect >= 1.6f ? wideBox : kSquareBox;
     const float scale = std::min(float(box) / p.width, float(box) / p.height);
     return {std::max(1, int(std::lround(p.width * scale))),
             std::max(1, int(std::lround(p.height * scale)))};
@@ -116,15 +114,16 @@ struct Placement {
     Size size;
 };
 
-std::vector<Placement> layOut(const std::vector<SheetItem>& items, int& sheetHeight) {
+std::vector<Placement> layOut(const std::vector<SheetItem>& items, const SheetLayout& layout,
+                              int& sheetHeight) {
     std::vector<Placement> places;
     int x = kGap;
     int y = kGap;
     int rowHeight = 0;
     for (const SheetItem& item : items) {
-        const Size size = displaySize(item.picture);
-        const int tileWidth = std::max(size.width, kSquareBox);
-        if (x + tileWidth + kGap > kSheetWidth) {
+        const Size size = displaySize(item.picture, layout.wideBox);
+        const int tileWidth = std::max(size.width, std::min(kSquareBox, layout.wideBox));
+        if (x + tileWidth + kGap > layout.width) {
             x = kGap;
             y += rowHeight + kGap;
             rowHeight = 0;
@@ -139,10 +138,11 @@ std::vector<Placement> layOut(const std::vector<SheetItem>& items, int& sheetHei
 
 } // namespace
 
-Picture contactSheet(const std::vector<SheetItem>& items, const Font& labelFont) {
+Picture contactSheet(const std::vector<SheetItem>& items, const Font& labelFont,
+                     const SheetLayout& layout) {
     int height = 0;
-    const std::vector<Placement> places = layOut(items, height);
-    Canvas sheet(kSheetWidth, height, {kBackdrop.r, kBackdrop.g, kBackdrop.b, 1.0f});
+    const std::vector<Placement> places = layOut(items, layout, height);
+    Canvas sheet(layout.width, height, {kBackdrop.r, kBackdrop.g, kBackdrop.b, 1.0f});
     for (std::size_t i = 0; i < items.size(); ++i) {
         const Picture& p = items[i].picture;
         const Placement& at = places[i];
