@@ -1,12 +1,12 @@
 // Entry of brinova: the engine's start-up with the Brinova production.
 #include "BrinovaProgressBar.h"
 #include "BrinovaResources.h"
+#include "BrinovaShaderCache.h"
 #include "DemoMain.h"
-#include "ShaderCache.h"
 
 int main(int argc, char** argv) {
     DemoMain::Production brinova{[] { return new BrinovaProgressBar; },
-                                 [] { return new ShaderCache; },
+                                 [] { return new BrinovaShaderCache; },
                                  [] { return new BrinovaResources; }};
     return DemoMain::run(argc, argv, brinova);
 }

@@ -45,7 +45,9 @@ VBODynamic::VBODynamic(unsigned int vertices, unsigned int vertexFloats, unsigne
     initBuffers();
 }
 
-VBODynamic::VBODynamic(KVTMesh* mesh)
+VBODynamic::VBODynamic(KVTMesh* mesh) : VBODynamic(mesh, GL_STREAM_DRAW) {}
+
+VBODynamic::VBODynamic(KVTMesh* mesh, unsigned int usage)
     : numVertices(static_cast<unsigned int>(mesh->getNumVertices())),
       numPolygons(static_cast<unsigned int>(mesh->getNumFaces())), vertexComponents(3),
       normalComponents(3), uvComponents(2),
@@ -54,7 +56,7 @@ VBODynamic::VBODynamic(KVTMesh* mesh)
     normalPointer = mesh->getVertexNormalPointer()->data();
     uvPointer = mesh->getTexCoordPointer()->data();
     polygonPointer = reinterpret_cast<int*>(mesh->getPolygonPointer());
-    initMeshBuffers(mesh);
+    initMeshBuffers(mesh, usage);
 }
 
 VBODynamic::~VBODynamic() {
@@ -71,10 +73,15 @@ VBODynamic::~VBODynamic() {
 }
 
 unsigned int VBODynamic::makeBuffer(unsigned int target, long bytes, const void* data) {
+    return makeBuffer(target, bytes, data, GL_STREAM_DRAW);
+}
+
+unsigned int VBODynamic::makeBuffer(unsigned int target, long bytes, const void* data,
+                                    unsigned int usage) {
     GLuint id = 0;
     glGenBuffers(1, &id);
     glBindBuffer(target, id);
-    glBufferData(target, bytes, data, GL_STREAM_DRAW);
+    glBufferData(target, bytes, data, usage);
     validateBuffer(target, id);
     glBindBuffer(target, 0);
     return id;
@@ -105,17 +112,17 @@ void VBODynamic::initBuffers() {
     }
 }
 
-void VBODynamic::initMeshBuffers(KVTMesh* mesh) {
+void VBODynamic::initMeshBuffers(KVTMesh* mesh, unsigned int usage) {
     const long vertices = numVertices;
-    vertexBufferID =
-        makeBuffer(GL_ARRAY_BUFFER, vertices * vertexComponents * 4, mesh->getVertexPointer());
+    vertexBufferID = makeBuffer(GL_ARRAY_BUFFER, vertices * vertexComponents * 4,
+                                mesh->getVertexPointer(), usage);
     polygonBufferID =
         makeBuffer(GL_ELEMENT_ARRAY_BUFFER, static_cast<long>(numPolygons) * polygonComponents * 4,
-                   mesh->getPolygonPointer());
+                   mesh->getPolygonPointer(), usage);
     normalBufferID = makeBuffer(GL_ARRAY_BUFFER, vertices * normalComponents * 4,
-                                mesh->getVertexNormalPointer());
+                                mesh->getVertexNormalPointer(), usage);
     uvBufferID =
-        makeBuffer(GL_ARRAY_BUFFER, vertices * uvComponents * 4, mesh->getTexCoordPointer());
+        makeBuffer(GL_ARRAY_BUFFER, vertices * uvComponents * 4, mesh->getTexCoordPointer(), usage);
 }
 
 void VBODynamic::initVertexAttributeData(int slot, int sizeInBytes, const float* data) {

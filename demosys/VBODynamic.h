@@ -23,8 +23,10 @@ public:
                unsigned int uvComponents, unsigned int polygonComponents, unsigned int numPolygons);
     // Buffers filled from the mesh: positions, polygons, normals (3 floats) and texture
     // coordinates (2 floats) for every vertex; no colours. Until a buffer is mapped, its
-    // pointer is the mesh's own array.
+    // pointer is the mesh's own array. Stream usage; a mesh that never changes after the
+    // upload passes GL_STATIC_DRAW as usage instead.
     explicit VBODynamic(KVTMesh* mesh);
+    VBODynamic(KVTMesh* mesh, unsigned int usage);
     ~VBODynamic();
     VBODynamic(const VBODynamic&) = delete;
     VBODynamic& operator=(const VBODynamic&) = delete;
@@ -70,8 +72,10 @@ public:
 
 private:
     void initBuffers();
-    void initMeshBuffers(KVTMesh* mesh);
+    void initMeshBuffers(KVTMesh* mesh, unsigned int usage);
+    // Stream usage unless told otherwise.
     unsigned int makeBuffer(unsigned int target, long bytes, const void* data);
+    unsigned int makeBuffer(unsigned int target, long bytes, const void* data, unsigned int usage);
     template <typename T>
     void write(const char* label, int i, T* mapped, long first, long size, const T* values,
                int count);

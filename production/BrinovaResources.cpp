@@ -7,6 +7,7 @@
 #include "KVTDemosys.h"
 #include "PostProcessEffect.h"
 #include "RadialBlurEffect.h"
+#include "UnderwaterEffect.h"
 #include "ScreenMetrics.h"
 
 #include <GL/glew.h>
@@ -56,6 +57,11 @@ struct ShaderFile {
 
 // In the order they are loaded.
 const ShaderFile Shaders[] = {
+    {"standard_light", "standard_light"},
+    {"point_light", "point_light"},
+    {"laplace", "Laplacian"},
+    {"dilate", "Dilate"},
+    {"waves", "Waves"},
     {"b_n_c_shader", "BrightnessContrast"},
     {"blur_x", "Gaussian_x"},
     {"blur_y", "Gaussian_y"},
@@ -63,6 +69,7 @@ const ShaderFile Shaders[] = {
     {"screen", "Screen"},
     {"screen_opacity", "ScreenOpacity"},
     {"post_process_shader", "PostProcess"},
+    {"particlesprite_shader", "particlesprite"},
     {"zoom_blend", "ZoomBlend"},
 };
 
@@ -132,6 +139,7 @@ void BrinovaResources::defineScreenFramebuffers() {
 }
 
 void BrinovaResources::DefineEffects() {
+    AddEffect("UnderwaterEffect", new UnderwaterEffect);
     AddEffect("PostProcessEffect", new PostProcessEffect);
     AddEffect("GlowEffect", new GlowEffect);
     AddEffect("CameraLensEffect", new CameraLensEffect);
@@ -140,7 +148,26 @@ void BrinovaResources::DefineEffects() {
 }
 
 void BrinovaResources::DefineEffectInstances() {
+    defineUnderwaterInstance();
     defineScreenEffectInstances();
+}
+
+void BrinovaResources::defineUnderwaterInstance() {
+    auto* underwater = static_cast<UnderwaterEffect*>(
+        CreateEffectInstance("UnderwaterEffect", "underwater_effect", true));
+    underwater->floorShader = GetShader("point_light");
+    underwater->laplaceShader = GetShader("laplace");
+    underwater->dilateShader = GetShader("dilate");
+    underwater->wavesShader = GetShader("waves");
+    underwater->spriteShader = GetShader("particlesprite_shader");
+    underwater->sceneTarget = GetFBO("offscreen0");
+    underwater->filterTarget = GetFBO("offscreen1");
+    underwater->oceanSurfaceTexture = GetTexture("ocean_surface_texture");
+    underwater->waveNormals0 = GetTexture("wave_normals0");
+    underwater->waveNormals1 = GetTexture("wave_normals1");
+    underwater->waveNormals2 = GetTexture("wave_normals2");
+    underwater->particleTexture = GetTexture("particle");
+    underwater->debrisTexture = GetTexture("puff_particle");
 }
 
 void BrinovaResources::defineScreenEffectInstances() {

@@ -24,5 +24,6 @@ private:
     void defineTextures();
     void defineShaders();
     void defineScreenFramebuffers();
+    void defineUnderwaterInstance();
     void defineScreenEffectInstances();
 };
