@@ -26,10 +26,10 @@ vec3 toneCurve(vec3 c) {
                 texture1D(threshold, t.b).b);
 }
 
-// A slow diagonal wave between the two gradient colours, minus their mean: it tints the
-// shadows a little towards blue in one place and green in another, and nothing on average.
+// A slow diagonal triangle wave between the two gradient colours, minus their mean: it tints
+// the shadows a little towards blue in one place and green in another, and nothing on average.
 vec3 gradientTint(vec2 uv) {
-    float wave = 0.5 + 0.5 * sin(dot(uv + gradient_scroll, vec2(4.1, 2.7)));
+    float wave = abs(fract(dot(uv + gradient_scroll, vec2(0.65, 0.43))) * 2.0 - 1.0);
     vec3 tint = mix(gradient_col0, gradient_col1, wave) - 0.5 * (gradient_col0 + gradient_col1);
     return tint * 0.05;
 }
@@ -41,8 +41,9 @@ float luma(vec3 c) {
 void main() {
     vec2 uv = gl_TexCoord[0].xy;
     vec3 c = texture2D(image, uv).rgb;
+    float shadow = 1.0 - luma(c);
 
-    c += gradientTint(uv) * (1.0 - luma(c));
+    c += gradientTint(uv) * shadow;
 
     // Uniform branches: a whole frame takes one side, so the curve's three dependent reads
     // and the grain cost nothing while they are off.
@@ -56,10 +57,13 @@ void main() {
     c *= brightness;
     c = mix(c, 1.0 - c, negative);
 
-    // Distance from the centre, 1.0 at the corners; darkening starts at the radius and
-    // reaches its depth over a wide soft band.
-    float d = length(uv * 2.0 - 1.0) * 0.70710678;
-    c *= 1.0 - 0.6 * smoothstep(vignett_radius, vignett_radius + 0.7, d);
+    // Squared distance from the centre, 1.0 at the corners (no square root per pixel);
+    // darkening starts at the radius and reaches its depth over a wide soft band.
+    vec2 p = uv * 2.0 - 1.0;
+    float d2 = dot(p, p) * 0.5;
+    float inner = vignett_radius * vignett_radius;
+    float outer = (vignett_radius + 0.7) * (vignett_radius + 0.7);
+    c *= 1.0 - 0.6 * smoothstep(inner, outer, d2);
 
     // Grain: mostly luminance with a touch of colour, strongest in the mid-tones. The
     // offset jumps far across the noise picture every frame so the grain never crawls.
@@ -67,7 +71,7 @@ void main() {
         vec2 grainUv = uv * vec2(4.0, 2.25) + noise_offset * vec2(37.3, 17.9);
         vec3 grain = texture2D(noise, grainUv).rgb - 0.5;
         grain = mix(vec3(dot(grain, vec3(0.3333))), grain, 0.25);
-        float midtones = 0.35 + 2.6 * luma(c) * (1.0 - luma(c));
+        float midtones = 0.35 + 2.6 * shadow * (1.0 - shadow);
         c += grain * noise_strength * midtones;
     }
 
