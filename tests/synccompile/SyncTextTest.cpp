@@ -85,6 +85,32 @@ TEST(SyncText, BarsFollowTheTempo) {
     EXPECT_EQ(document.effects[0].tracks[0].keyframes[0].row, 53u) << "4 beats of 13.33 rows";
 }
 
+TEST(SyncText, EveryRepeatsItsKeyframesUpToItsEnd) {
+    synctext::Document document;
+    std::string error;
+    ASSERT_TRUE(synctext::parse("effect e\ntrack t\n1.1 0\nevery 1 beat 2.1 3.1\n+0 1.5 ease-out"
+                                "\n+0.5 1\nevery 1 bar 3.1 5.1\n+1 2\n5.1 0\n",
+                                "x", nullptr, document, error))
+        << error;
+    std::vector<unsigned int> rows;
+    std::vector<float> values;
+    for (const synctext::Keyframe& key : document.effects[0].tracks[0].keyframes) {
+        rows.push_back(key.row);
+        values.push_back(key.value);
+    }
+    EXPECT_EQ(rows, (std::vector<unsigned int>{0, 40, 45, 50, 55, 60, 65, 70, 75, 90, 130, 160}));
+    EXPECT_EQ(values[1], 1.5f);
+    EXPECT_EQ(document.effects[0].tracks[0].keyframes[1].interpolation, 1);
+    EXPECT_EQ(values[2], 1.0f);
+    EXPECT_EQ(values[9], 2.0f);
+
+    EXPECT_EQ(parseError("effect e\ntrack t\nevery 1 beat 1.1 2.1\n+0 1\n+1 2\n"),
+              "demo.sync:5: offset '+1' does not fit in one repetition");
+    EXPECT_EQ(parseError("effect e\ntrack t\n+0 1\n"), "demo.sync:3: '+0' outside an 'every'");
+    EXPECT_EQ(parseError("effect e\ntrack t\nevery 2 beat 1.1 2.1\n+0 1\n1.3 4\n"),
+              "demo.sync:5: keyframe at row 20 is not after the previous one at row 20");
+}
+
 TEST(SyncText, ErrorsNameTheFileLineAndReason) {
     EXPECT_EQ(parseError("effect e\ntrack t\n0 1 smooth\n"),
               "demo.sync:3: unknown interpolation 'smooth' (use linear, ease-out, ease-in, step "

@@ -76,7 +76,7 @@ public:
                 return false;
             }
         }
-        if (!closeEffect()) {
+        if (!flushPattern() || !closeEffect()) {
             return false;
         }
         out = std::move(document);
@@ -103,6 +103,16 @@ private:
 
     bool parseLine(const std::vector<std::string>& words) {
         const std::string& keyword = words[0];
+        if (keyword[0] == '+') {
+            return expectArguments(words, 1, 2) &&
+                   addPatternKeyframe(keyword, words[1], words.size() > 2 ? words[2] : "linear");
+        }
+        if (!flushPattern()) {
+            return false;
+        }
+        if (keyword == "every") {
+            return expectArguments(words, 4, 4) && openPattern(words);
+        }
         if (keyword == "tempo") {
             return expectArguments(words, 1, 1) && parseTempo(words[1]);
         }
@@ -180,8 +190,8 @@ private:
                 beat < 1 || beat > 4 || bar > 100000) {
                 return fail("time '" + text + "' is not bar.beat (bars from 1, beats 1 to 4)");
             }
-            double rowsPerBeat = 60.0 / tempo * RowsPerSecond;
-            row = static_cast<unsigned int>(std::lround(((bar - 1) * 4 + beat - 1) * rowsPerBeat));
+            row =
+                static_cast<unsigned int>(std::lround(((bar - 1) * 4 + beat - 1) * rowsPerBeat()));
         } else if (parseInteger(text, whole) && whole >= 0 && whole <= 0x7FFFFFFF) {
             row = static_cast<unsigned int>(whole);
         } else {
@@ -289,39 +299,130 @@ private:
 
     bool addKeyframe(const std::string& timeText, const std::string& valueText,
                      const std::string& how) {
+        unsigned int row;
+        Keyframe key{};
+        return requireTrack() && parseTime(timeText, row) && parseValue(valueText, how, key) &&
+               pushKeyframe(Keyframe{row, key.interpolation, key.value});
+    }
+
+    bool requireTrack() {
         if (current < 0 || effect().tracks.empty()) {
             return fail("keyframe outside a track");
         }
-        unsigned int row;
-        float value;
-        if (!parseTime(timeText, row)) {
-            return false;
-        }
-        if (!parseFloat(valueText, value)) {
+        return true;
+    }
+
+    // The value and interpolation of a keyframe line; the row is the caller's.
+    bool parseValue(const std::string& valueText, const std::string& how, Keyframe& key) {
+        if (!parseFloat(valueText, key.value)) {
             return fail("value '" + valueText + "' is not a number");
         }
-        int code = -1;
+        key.interpolation = -1;
         for (int i = 0; i < InterpolationCount; ++i) {
             if (how == InterpolationNames[i]) {
-                code = i;
+                key.interpolation = i;
             }
         }
-        if (code < 0) {
+        if (key.interpolation < 0) {
             return fail("unknown interpolation '" + how +
                         "' (use linear, ease-out, ease-in, step or ramp)");
         }
-        std::vector<Keyframe>& keys = effect().tracks.back().keyframes;
-        if (!keys.empty() && row <= keys.back().row) {
-            return fail("keyframe at row " + std::to_string(row) +
-                        " is not after the previous one at row " + std::to_string(keys.back().row));
-        }
-        keys.push_back(Keyframe{row, code, value});
         return true;
     }
+
+    bool pushKeyframe(const Keyframe& key) {
+        std::vector<Keyframe>& keys = effect().tracks.back().keyframes;
+        if (!keys.empty() && key.row <= keys.back().row) {
+            return fail("keyframe at row " + std::to_string(key.row) +
+                        " is not after the previous one at row " + std::to_string(keys.back().row));
+        }
+        keys.push_back(key);
+        return true;
+    }
+
+    // "every N beat|bar FROM TO": the "+beats value" lines that follow repeat every N beats or
+    // bars from FROM up to (not including) TO, each offset in beats after a repetition starts.
+    bool openPattern(const std::vector<std::string>& words) {
+        float count;
+        const std::string& unit = words[2];
+        if (!requireTrack()) {
+            return false;
+        }
+        if (!parseFloat(words[1], count) || count <= 0.0f) {
+            return fail("'every' needs a positive count, found '" + words[1] + "'");
+        }
+        if (unit != "beat" && unit != "beats" && unit != "bar" && unit != "bars") {
+            return fail("'every' counts in beats or bars, found '" + unit + "'");
+        }
+        unsigned int from;
+        unsigned int to;
+        if (!parseTime(words[3], from) || !parseTime(words[4], to)) {
+            return false;
+        }
+        if (to <= from) {
+            return fail("'every' must end after it starts");
+        }
+        pattern = Pattern{from, to, count * (unit[1] == 'e' ? 1.0 : 4.0) * rowsPerBeat(), {}};
+        patternLine = lineNumber;
+        return true;
+    }
+
+    bool addPatternKeyframe(const std::string& offsetText, const std::string& valueText,
+                            const std::string& how) {
+        float beats;
+        Keyframe key{};
+        if (patternLine == 0) {
+            return fail("'" + offsetText + "' outside an 'every'");
+        }
+        if (!parseFloat(offsetText.substr(1), beats) || beats < 0.0f) {
+            return fail("offset '" + offsetText + "' is not +beats");
+        }
+        if (!parseValue(valueText, how, key)) {
+            return false;
+        }
+        key.row = static_cast<unsigned int>(std::lround(beats * rowsPerBeat()));
+        if (key.row >= pattern.period) {
+            return fail("offset '" + offsetText + "' does not fit in one repetition");
+        }
+        if (!pattern.keys.empty() && key.row <= pattern.keys.back().row) {
+            return fail("offset '" + offsetText + "' is not after the previous one");
+        }
+        pattern.keys.push_back(key);
+        return true;
+    }
+
+    // Writes the repetitions of the pattern just closed into the track.
+    bool flushPattern() {
+        if (patternLine == 0) {
+            return true;
+        }
+        patternLine = 0;
+        for (double start = pattern.from; start < pattern.to; start += pattern.period) {
+            for (const Keyframe& key : pattern.keys) {
+                const auto row = static_cast<unsigned int>(std::lround(start)) + key.row;
+                if (row < pattern.to &&
+                    !pushKeyframe(Keyframe{row, key.interpolation, key.value})) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    double rowsPerBeat() const { return 60.0 / tempo * RowsPerSecond; }
+
+    struct Pattern {
+        unsigned int from;
+        unsigned int to;
+        double period;
+        std::vector<Keyframe> keys;
+    };
 
     std::string fileName;
     const Schema* schema;
     Document document;
+    Pattern pattern{};
+    int patternLine = 0;
     int lineNumber = 0;
     int current = -1;
     int openStartLine = 0;

@@ -18,6 +18,9 @@ class TrackSystem;
 //   stop 9.1                   ... and stops (both rows included)
 //   track brightness           a parameter track; keyframe lines follow
 //   0:00:000 0.0 ease-in       time, value, interpolation (default linear)
+//   every 1 beat 49.1 65.1     repeat the lines below every 1 beat (or N bars) from 49.1 up
+//   +0 1.4 ease-out            to 65.1: each "+beats value [interpolation]" line is a
+//   +0.5 1.0                   keyframe that many beats after a repetition starts
 //
 // Times are mm:ss:ms, a plain row number, or bar.beat (1.1 is the very start); all are
 // stored as rows at 20 rows per second. Interpolations: linear, ease-out, ease-in, step, ramp.
