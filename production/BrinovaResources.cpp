@@ -3,14 +3,17 @@
 #include "CameraLensEffect.h"
 #include "CreditsEffect.h"
 #include "FBO.h"
+#include "FluidEffect.h"
 #include "GlowEffect.h"
 #include "KVTDemosys.h"
 #include "PostProcessEffect.h"
 #include "RadialBlurEffect.h"
-#include "UnderwaterEffect.h"
 #include "ScreenMetrics.h"
+#include "UnderwaterEffect.h"
 
 #include <GL/glew.h>
+
+#include <iterator>
 
 namespace {
 
@@ -70,11 +73,44 @@ const ShaderFile Shaders[] = {
     {"screen_opacity", "ScreenOpacity"},
     {"post_process_shader", "PostProcess"},
     {"particlesprite_shader", "particlesprite"},
+    {"add_source_shader", "AddSource"},
+    {"advect_shader", "Advect"},
+    {"project_pass0_shader", "ProjectPass0"},
+    {"project_pass1_shader", "ProjectPass1"},
+    {"project_pass2u_shader", "ProjectPass2u"},
+    {"project_pass2v_shader", "ProjectPass2v"},
+    {"boundaries_shader", "Boundaries"},
+    {"normalize_shader", "Normalize"},
     {"zoom_blend", "ZoomBlend"},
 };
 
 FBO* screenBuffer(int side, bool depth) {
     return new FBO(side, side, depth, false, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE);
+}
+
+// The fluid's fields: dye is RGB half floats at 256, velocity components R half floats at 64.
+struct FluidField {
+    const char* key;
+    bool dye;
+};
+
+const FluidField FluidFields[] = {
+    {"m_densities_source", true},
+    {"m_velocities_u_source", false},
+    {"m_velocities_v_source", false},
+    {"m_densities", true},
+    {"m_densities_prev", true},
+    {"m_velocities_u", false},
+    {"m_velocities_v", false},
+    {"m_velocities_u_prev", false},
+    {"m_velocities_v_prev", false},
+    {"m_d_tmp", true},
+    {"m_v_tmp", false},
+};
+
+FBO* fluidBuffer(bool dye) {
+    return dye ? new FBO(256, 256, false, false, GL_RGB16F, GL_RGB, GL_FLOAT)
+               : new FBO(64, 64, false, false, GL_R16F, GL_RED, GL_FLOAT);
 }
 
 } // namespace
@@ -109,6 +145,9 @@ void BrinovaResources::DefineResouces() {
     RequireExtension("GL_ARB_texture_float");
     RequireExtension("GL_ARB_texture_rg");
     defineScreenFramebuffers();
+    for (const FluidField& field : FluidFields) {
+        AddFBO(field.key, fluidBuffer(field.dye));
+    }
 }
 
 void BrinovaResources::defineTextures() {
@@ -142,17 +181,23 @@ void BrinovaResources::DefineEffects() {
     AddEffect("UnderwaterEffect", new UnderwaterEffect);
     AddEffect("PostProcessEffect", new PostProcessEffect);
     AddEffect("GlowEffect", new GlowEffect);
+    AddEffect("FluidEffect", new FluidEffect);
     AddEffect("CameraLensEffect", new CameraLensEffect);
     AddEffect("CreditsEffect", new CreditsEffect);
     AddEffect("RadialBlurEffect", new RadialBlurEffect);
 }
 
 void BrinovaResources::DefineEffectInstances() {
-    defineUnderwaterInstance();
-    defineScreenEffectInstances();
+    defineUnderwater();
+    definePostProcess();
+    defineGlow();
+    defineFluid();
+    CreateEffectInstance("CameraLensEffect", "camera", true);
+    defineCredits();
+    defineRadialBlur();
 }
 
-void BrinovaResources::defineUnderwaterInstance() {
+void BrinovaResources::defineUnderwater() {
     auto* underwater = static_cast<UnderwaterEffect*>(
         CreateEffectInstance("UnderwaterEffect", "underwater_effect", true));
     underwater->floorShader = GetShader("point_light");
@@ -170,7 +215,7 @@ void BrinovaResources::defineUnderwaterInstance() {
     underwater->debrisTexture = GetTexture("puff_particle");
 }
 
-void BrinovaResources::defineScreenEffectInstances() {
+void BrinovaResources::definePostProcess() {
     auto* post = static_cast<PostProcessEffect*>(
         CreateEffectInstance("PostProcessEffect", "postprocess_effect", true));
     post->overlayTexture = GetTexture("overlay");
@@ -178,7 +223,9 @@ void BrinovaResources::defineScreenEffectInstances() {
     post->thresholdTexture = GetTexture("threshold");
     post->shader = GetShader("post_process_shader");
     post->source = GetFBO("staging0");
+}
 
+void BrinovaResources::defineGlow() {
     auto* glow = static_cast<GlowEffect*>(CreateEffectInstance("GlowEffect", "glow_effect", true));
     glow->blurred = GetFBO("blur_pre");
     glow->blurX = GetFBO("blurx");
@@ -189,9 +236,51 @@ void BrinovaResources::defineScreenEffectInstances() {
     glow->screenShader = GetShader("screen");
     glow->brightnessContrastShader = GetShader("b_n_c_shader");
     glow->kernel = GetTexture("gaussian_kernel");
+}
 
-    CreateEffectInstance("CameraLensEffect", "camera", true);
+void BrinovaResources::defineFluid() {
+    auto* fluid =
+        static_cast<FluidEffect*>(CreateEffectInstance("FluidEffect", "fluid_effect", true));
+    fluid->addSourceShader = GetShader("add_source_shader");
+    fluid->advectShader = GetShader("advect_shader");
+    fluid->divergenceShader = GetShader("project_pass0_shader");
+    fluid->pressureShader = GetShader("project_pass1_shader");
+    fluid->gradientUShader = GetShader("project_pass2u_shader");
+    fluid->gradientVShader = GetShader("project_pass2v_shader");
+    fluid->boundariesShader = GetShader("boundaries_shader");
+    fluid->normalizeShader = GetShader("normalize_shader");
+    fluid->uSource = GetTexture("u_source");
+    fluid->vSource = GetTexture("v_source");
+    fluid->uSource2 = GetTexture("u_source2");
+    fluid->vSource2 = GetTexture("v_source2");
+    fluid->uSource3 = GetTexture("u_source3");
+    fluid->vSource3 = GetTexture("v_source3");
+    fluid->vaskSmall = GetTexture("vask_small");
+    fluid->lumoSmall = GetTexture("lumo_small");
+    fluid->orinSmall = GetTexture("orin_small");
+    fluid->quilletSmall = GetTexture("quillet_small");
+    fluid->korvathlogoSmall = GetTexture("korvathlogo_small");
+    fluid->brinovalogoSmall = GetTexture("brinovalogo_small");
+    FBO** fields[] = {&fluid->m_densities_source,
+                      &fluid->m_velocities_u_source,
+                      &fluid->m_velocities_v_source,
+                      &fluid->m_densities,
+                      &fluid->m_densities_prev,
+                      &fluid->m_velocities_u,
+                      &fluid->m_velocities_v,
+                      &fluid->m_velocities_u_prev,
+                      &fluid->m_velocities_v_prev,
+                      &fluid->m_d_tmp,
+                      &fluid->m_v_tmp};
+    for (std::size_t i = 0; i < std::size(fields); ++i) {
+        *fields[i] = GetFBO(FluidFields[i].key);
+    }
+    fluid->screenOpacityShader = GetShader("screen_opacity");
+    fluid->staging0 = GetFBO("staging0");
+    fluid->staging1 = GetFBO("staging1");
+}
 
+void BrinovaResources::defineCredits() {
     auto* credits =
         static_cast<CreditsEffect*>(CreateEffectInstance("CreditsEffect", "credits_effect", true));
     const char* names[CreditsEffect::PICTURE_COUNT] = {"vask",    "lumo",        "orin",
@@ -202,7 +291,9 @@ void BrinovaResources::defineScreenEffectInstances() {
     credits->shader = GetShader("screen_opacity");
     credits->background = GetFBO("staging0");
     credits->offscreen = GetFBO("staging1");
+}
 
+void BrinovaResources::defineRadialBlur() {
     auto* radial = static_cast<RadialBlurEffect*>(
         CreateEffectInstance("RadialBlurEffect", "radial_blur_effect", true));
     radial->source = GetFBO("staging0");

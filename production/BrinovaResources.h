@@ -24,6 +24,10 @@ private:
     void defineTextures();
     void defineShaders();
     void defineScreenFramebuffers();
-    void defineUnderwaterInstance();
-    void defineScreenEffectInstances();
+    void defineUnderwater();
+    void definePostProcess();
+    void defineGlow();
+    void defineFluid();
+    void defineCredits();
+    void defineRadialBlur();
 };
