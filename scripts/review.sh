@@ -5,6 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 fps="${1:-1}"
+cmake --build build --target brinova brinova-review > /dev/null
 frames="$PWD/build/review-frames"
 rm -rf "$frames"
 mkdir -p "$frames"
