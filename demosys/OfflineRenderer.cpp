@@ -2,6 +2,7 @@
 
 #include "FrameTimer.h"
 #include "KVTDemosys.h"
+#include "KVTTime.h"
 #include "ScreenMetrics.h"
 
 #include <GL/glew.h>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iostream>
+#include <sstream>
 
 OfflineRenderer::OfflineRenderer(const DemoOptions& chosen, Clock::time_point start)
     : options(chosen), pendingShots(chosen.shots), programStart(start) {
@@ -55,20 +57,24 @@ void OfflineRenderer::afterFrame(unsigned int time) {
         }
     }
     if (options.benchmark) {
-        recordFrameTime();
+        recordFrameTime(time);
     }
 }
 
 // The first frame ends the load; every later one is timed from the end of the one before,
 // so the buffer swap and all of the frame's work are counted.
-void OfflineRenderer::recordFrameTime() {
+void OfflineRenderer::recordFrameTime(unsigned int time) {
     glFinish();
     Clock::time_point now = Clock::now();
     if (!firstFrameDone) {
         loadSeconds = std::chrono::duration<double>(now - programStart).count();
         firstFrameDone = true;
+        if (KVTDemosys::resources != nullptr) {
+            sections = KVTDemosys::resources->getSections();
+        }
     } else {
         frameMs.push_back(std::chrono::duration<double, std::milli>(now - lastFrameEnd).count());
+        frameTimes.push_back(time);
     }
     lastFrameEnd = now;
 }
@@ -103,14 +109,10 @@ bool OfflineRenderer::finish() {
     return error.empty();
 }
 
-void OfflineRenderer::printBenchmark() const {
-    std::cout << "Benchmark: load time (start to first frame) " << loadSeconds * 1000.0 << " ms"
-              << std::endl;
-    if (frameMs.empty()) {
-        std::cout << "Benchmark: no frames after the first" << std::endl;
-        return;
-    }
-    std::vector<double> sorted = frameMs;
+namespace {
+
+// "N frames, mean …, median …, 95th …, 99th …, worst … ms" of a set of frame times.
+std::string statistics(std::vector<double> sorted) {
     std::sort(sorted.begin(), sorted.end());
     double sum = 0.0;
     for (double ms : sorted) {
@@ -120,8 +122,40 @@ void OfflineRenderer::printBenchmark() const {
         size_t index = static_cast<size_t>(p * static_cast<double>(sorted.size() - 1) + 0.5);
         return sorted[std::min(index, sorted.size() - 1)];
     };
-    std::cout << "Benchmark: " << sorted.size() << " frames, mean " << sum / sorted.size()
-              << " ms, median " << percentile(0.5) << " ms, 95th " << percentile(0.95)
-              << " ms, 99th " << percentile(0.99) << " ms, worst " << sorted.back() << " ms"
+    std::ostringstream text;
+    text << sorted.size() << " frames, mean " << sum / sorted.size() << " ms, median "
+         << percentile(0.5) << " ms, 95th " << percentile(0.95) << " ms, 99th " << percentile(0.99)
+         << " ms, worst " << sorted.back() << " ms";
+    return text.str();
+}
+
+} // namespace
+
+void OfflineRenderer::printBenchmark() const {
+    std::cout << "Benchmark: load time (start to first frame) " << loadSeconds * 1000.0 << " ms"
               << std::endl;
+    if (frameMs.empty()) {
+        std::cout << "Benchmark: no frames after the first" << std::endl;
+        return;
+    }
+    std::cout << "Benchmark: " << statistics(frameMs) << std::endl;
+    printSections();
+}
+
+// One line a section that has frames, so the slow part of the piece stands out.
+void OfflineRenderer::printSections() const {
+    for (size_t s = 0; s < sections.size(); ++s) {
+        const unsigned int from = sections[s].startMs;
+        const unsigned int to = s + 1 < sections.size() ? sections[s + 1].startMs : ~0u;
+        std::vector<double> inSection;
+        for (size_t f = 0; f < frameMs.size(); ++f) {
+            if (frameTimes[f] >= from && frameTimes[f] < to) {
+                inSection.push_back(frameMs[f]);
+            }
+        }
+        if (!inSection.empty()) {
+            std::cout << "Benchmark: section " << sections[s].name << " from "
+                      << KVTTime(from).toString() << ": " << statistics(inSection) << std::endl;
+        }
+    }
 }

@@ -2,6 +2,7 @@
 
 #include "DemoOptions.h"
 #include "FrameListener.h"
+#include "ResourceDefinition.h"
 
 #include <chrono>
 #include <string>
@@ -30,8 +31,9 @@ public:
 
 private:
     FrameTimer* frameTimer() const;
-    void recordFrameTime();
+    void recordFrameTime(unsigned int time);
     void printBenchmark() const;
+    void printSections() const;
 
     DemoOptions options;
     std::vector<DemoOptions::Shot> pendingShots;
@@ -41,6 +43,10 @@ private:
     bool firstFrameDone = false;
     double loadSeconds = 0.0;
     std::vector<double> frameMs;
+    // The demo time of each timed frame, and the production's sections, kept from its
+    // resource list before that is disposed.
+    std::vector<unsigned int> frameTimes;
+    std::vector<ResourceDefinition::Section> sections;
     unsigned long captured = 0;
     std::string error;
 };

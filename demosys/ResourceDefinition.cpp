@@ -6,6 +6,7 @@
 #include "FBO.h"
 #include "KVTAssert.h"
 #include "KVTDemosys.h"
+#include "KVTTime.h"
 #include "PoolLookup.h"
 #include "ScreenMetrics.h"
 
@@ -23,6 +24,10 @@ void ResourceDefinition::DefineDemoParameters(ScreenMetrics* metrics) {
     metrics->setFar(1000.0f);
     KVTDemosys::DemoStartTime.setTimeAsString("00:00:00");
     KVTDemosys::DemoEndTime.setTimeAsString("99:00:00");
+}
+
+void ResourceDefinition::AddSection(std::string name, std::string startTime) {
+    sections.push_back({std::move(name), KVTTime(startTime).getTicks()});
 }
 
 void ResourceDefinition::SetMusic(std::string file) {

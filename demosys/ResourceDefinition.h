@@ -34,6 +34,14 @@ public:
     virtual void DefineEffectInstances() {}
 
     void SetMusic(std::string file);
+    // A named part of the piece from startTime (mm:ss:ms) to the next section's start; the
+    // benchmark reports frame times section by section. Declare them in time order.
+    struct Section {
+        std::string name;
+        unsigned int startMs;
+    };
+    void AddSection(std::string name, std::string startTime);
+    const std::vector<Section>& getSections() const { return sections; }
     void AddTexture(ResourceInfo::TextureInfo info);
     void AddShader(ResourceInfo::ShaderInfo info);
     void AddScene(ResourceInfo::SceneInfo info);
@@ -60,4 +68,5 @@ public:
 
 private:
     std::vector<std::string> requiredExtensions;
+    std::vector<Section> sections;
 };

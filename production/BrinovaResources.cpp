@@ -134,6 +134,12 @@ void BrinovaResources::DefineDemoParameters(ScreenMetrics* metrics) {
     metrics->setFar(200.0f);
     KVTDemosys::DemoStartTime.setTimeAsString("00:00:00");
     KVTDemosys::DemoEndTime.setTimeAsString("02:30:850");
+    AddSection("intro", "00:00:000");
+    AddSection("beat", "00:16:000");
+    AddSection("break", "00:48:000");
+    AddSection("fluid", "01:04:000");
+    AddSection("climax", "01:36:000");
+    AddSection("outro", "02:08:000");
 }
 
 void BrinovaResources::DefineResouces() {

@@ -152,10 +152,16 @@ TEST_F(TestCardRun, CaptureWritesEveryFrameUpToTheEndTime) {
 }
 
 TEST_F(TestCardRun, BenchmarkPrintsLoadTimeAndFrameStatistics) {
-    Outcome run = runDemo(TESTCARD_DEMO, "--benchmark --end 00:01:000");
+    Outcome run = runDemo(TESTCARD_DEMO, "--benchmark --end 00:03:000");
     ASSERT_EQ(run.status, 0) << run.output;
     EXPECT_NE(run.output.find("Benchmark: load time (start to first frame) "), std::string::npos);
-    EXPECT_NE(run.output.find("Benchmark: 61 frames, mean "), std::string::npos) << run.output;
+    EXPECT_NE(run.output.find("Benchmark: 181 frames, mean "), std::string::npos) << run.output;
+    // Section by section: the frames timed before 2 s are red's, the rest green's.
+    EXPECT_NE(run.output.find("Benchmark: section red from (0000000000)-[00:00:000]: 119 frames"),
+              std::string::npos)
+        << run.output;
+    EXPECT_NE(run.output.find("Benchmark: section green from (0000002000)-[00:02:000]: 62 frames"),
+              std::string::npos);
     // The capability report follows its heading: the limits, then the extension names.
     const size_t report = run.output.find("[Supported OpenGL Extensions]\n"
                                           "--- Implementation Independent API Values ---\n");

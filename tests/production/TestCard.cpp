@@ -87,6 +87,8 @@ void TestCardResources::DefineDemoParameters(ScreenMetrics* metrics) {
     ResourceDefinition::DefineDemoParameters(metrics);
     KVTDemosys::DemoStartTime.setTimeAsString("00:00:000");
     KVTDemosys::DemoEndTime.setTimeAsString("00:04:000");
+    AddSection("red", "00:00:000");
+    AddSection("green", "00:02:000");
 }
 
 void TestCardResources::DefineResouces() {
