@@ -6,6 +6,8 @@
 #include "FluidEffect.h"
 #include "GlowEffect.h"
 #include "KVTDemosys.h"
+#include "ParticleCreatures2Effect.h"
+#include "ParticleCreaturesEffect.h"
 #include "PostProcessEffect.h"
 #include "RadialBlurEffect.h"
 #include "ScreenMetrics.h"
@@ -187,6 +189,8 @@ void BrinovaResources::DefineEffects() {
     AddEffect("UnderwaterEffect", new UnderwaterEffect);
     AddEffect("PostProcessEffect", new PostProcessEffect);
     AddEffect("GlowEffect", new GlowEffect);
+    AddEffect("ParticleCreaturesEffect", new ParticleCreaturesEffect);
+    AddEffect("ParticleCreatures2Effect", new ParticleCreatures2Effect);
     AddEffect("FluidEffect", new FluidEffect);
     AddEffect("CameraLensEffect", new CameraLensEffect);
     AddEffect("CreditsEffect", new CreditsEffect);
@@ -197,6 +201,7 @@ void BrinovaResources::DefineEffectInstances() {
     defineUnderwater();
     definePostProcess();
     defineGlow();
+    defineCreatures();
     defineFluid();
     CreateEffectInstance("CameraLensEffect", "camera", true);
     defineCredits();
@@ -242,6 +247,17 @@ void BrinovaResources::defineGlow() {
     glow->screenShader = GetShader("screen");
     glow->brightnessContrastShader = GetShader("b_n_c_shader");
     glow->kernel = GetTexture("gaussian_kernel");
+}
+
+void BrinovaResources::defineCreatures() {
+    auto* jellyfish = static_cast<ParticleCreaturesEffect*>(
+        CreateEffectInstance("ParticleCreaturesEffect", "particle_creatures_effect", true));
+    jellyfish->shader = GetShader("particlesprite_shader");
+    jellyfish->sprite = GetTexture("particle2");
+    auto* siphonophore = static_cast<ParticleCreatures2Effect*>(
+        CreateEffectInstance("ParticleCreatures2Effect", "particle_creatures2_effect", true));
+    siphonophore->shader = GetShader("particlesprite_shader");
+    siphonophore->sprite = GetTexture("particle2");
 }
 
 void BrinovaResources::defineFluid() {

@@ -27,6 +27,7 @@ private:
     void defineUnderwater();
     void definePostProcess();
     void defineGlow();
+    void defineCreatures();
     void defineFluid();
     void defineCredits();
     void defineRadialBlur();

@@ -11,6 +11,8 @@
 #include "FluidEffect.h"
 #include "GlowEffect.h"
 #include "KVTDemosys.h"
+#include "ParticleCreatures2Effect.h"
+#include "ParticleCreaturesEffect.h"
 #include "PostProcessEffect.h"
 #include "ProgressBar.h"
 #include "RadialBlurEffect.h"
@@ -148,6 +150,16 @@ TEST_P(BrinovaResourceList, EachInstanceHoldsTheResourcesItIsHanded) {
     EXPECT_EQ(glow->horizontal, fbo("blury"));
     EXPECT_EQ(glow->source, fbo("glow_pre"));
     EXPECT_EQ(glow->kernel, texture("gaussian_kernel"));
+
+    for (const char* name : {"particle_creatures_effect", "particle_creatures2_effect"}) {
+        Effect* creature = KVTDemosys::effectDataPool->getEffect(name);
+        auto* jellyfish = dynamic_cast<ParticleCreaturesEffect*>(creature);
+        auto* siphonophore = dynamic_cast<ParticleCreatures2Effect*>(creature);
+        ASSERT_TRUE(jellyfish != nullptr || siphonophore != nullptr) << name;
+        EXPECT_EQ(jellyfish ? jellyfish->shader : siphonophore->shader,
+                  shader("particlesprite_shader"));
+        EXPECT_EQ(jellyfish ? jellyfish->sprite : siphonophore->sprite, texture("particle2"));
+    }
 
     auto* fluid = instance<FluidEffect>("fluid_effect");
     ASSERT_NE(fluid, nullptr);
