@@ -1,6 +1,7 @@
 // Runs the test card's executable with offline options and checks the pictures it writes.
+#include "RunSupport.h"
+
 #include <gtest/gtest.h>
-#include <stb_image.h>
 
 #include <array>
 #include <cstdio>
@@ -14,55 +15,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
+using e2e::load;
+using e2e::Outcome;
+using e2e::Picture;
+using e2e::runCommand;
+
 const int Width = 160;
 const int Height = 90;
-
-struct Outcome {
-    int status;
-    std::string output;
-};
-
-// Runs a command, collecting standard output and error together.
-Outcome runCommand(const std::string& command) {
-    Outcome run{-1, ""};
-    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
-    if (pipe == nullptr) {
-        return run;
-    }
-    std::array<char, 4096> buffer;
-    while (fgets(buffer.data(), buffer.size(), pipe) != nullptr) {
-        run.output += buffer.data();
-    }
-    int status = pclose(pipe);
-    run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return run;
-}
 
 Outcome runDemo(const std::string& program, const std::string& arguments) {
     return runCommand(program + " --no-launcher --size " + std::to_string(Width) + "x" +
                       std::to_string(Height) + " " + arguments);
-}
-
-struct Picture {
-    int width = 0;
-    int height = 0;
-    std::vector<unsigned char> rgb;
-
-    std::array<int, 3> at(int x, int y) const {
-        size_t i = (static_cast<size_t>(y) * width + x) * 3;
-        return {rgb[i], rgb[i + 1], rgb[i + 2]};
-    }
-};
-
-Picture load(const fs::path& path) {
-    Picture picture;
-    int channels = 0;
-    unsigned char* data = stbi_load(path.c_str(), &picture.width, &picture.height, &channels, 3);
-    if (data != nullptr) {
-        picture.rgb.assign(data, data + picture.width * picture.height * 3);
-        stbi_image_free(data);
-    }
-    return picture;
 }
 
 // Screen units (-1 to 1, y up) to the pixel of a top-row-first picture.
