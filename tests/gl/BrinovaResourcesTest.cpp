@@ -9,6 +9,7 @@
 #include "DataTexturePool.h"
 #include "FBO.h"
 #include "FluidEffect.h"
+#include "GLTestSupport.h"
 #include "GlowEffect.h"
 #include "KVTDemosys.h"
 #include "ParticleCreatures2Effect.h"
@@ -34,16 +35,6 @@ public:
     void draw() override {}
 };
 
-void clearDeclarations() {
-    KVTDemosys::TextureList.clear();
-    KVTDemosys::ShaderList.clear();
-    KVTDemosys::SceneList.clear();
-    KVTDemosys::AnimationList.clear();
-    KVTDemosys::BinaryList.clear();
-    KVTDemosys::VideoList.clear();
-    KVTDemosys::MusicFile.clear();
-}
-
 GLint internalFormatOf(FBO* fbo) {
     GLint format = 0;
     glBindTexture(GL_TEXTURE_2D, FBO::getColorBuffer(fbo, 0)->getID());
@@ -60,7 +51,7 @@ protected:
         metrics = *KVTDemosys::screenMetrics;
         KVTDemosys::screenMetrics->setResolution(1280, 720);
         KVTDemosys::screenMetrics->setQuality(GetParam());
-        clearDeclarations();
+        gltest::clearDeclarations();
         KVTDemosys::resources = &resources;
         KVTDemosys::pBar = new QuietBar;
         testing::internal::CaptureStdout();
@@ -72,7 +63,7 @@ protected:
         loader.dispose();
         testing::internal::GetCapturedStdout();
         KVTDemosys::resources = nullptr;
-        clearDeclarations();
+        gltest::clearDeclarations();
         *KVTDemosys::screenMetrics = metrics;
         std::filesystem::current_path(previous);
     }

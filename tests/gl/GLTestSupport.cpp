@@ -1,6 +1,7 @@
 #include "GLTestSupport.h"
 
 #include "FBO.h"
+#include "KVTDemosys.h"
 
 #include <GL/glew.h>
 
@@ -39,6 +40,16 @@ void savePng(const std::string& path, int width, int height,
                         rgba.begin() + stride * (row + 1));
     }
     stbi_write_png(path.c_str(), width, height, 4, topFirst.data(), static_cast<int>(stride));
+}
+
+void clearDeclarations() {
+    KVTDemosys::TextureList.clear();
+    KVTDemosys::ShaderList.clear();
+    KVTDemosys::SceneList.clear();
+    KVTDemosys::AnimationList.clear();
+    KVTDemosys::BinaryList.clear();
+    KVTDemosys::VideoList.clear();
+    KVTDemosys::MusicFile.clear();
 }
 
 void resetState(int viewportWidth, int viewportHeight) {

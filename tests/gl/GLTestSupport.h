@@ -24,6 +24,9 @@ std::vector<float> readRgbFloat(int x, int y, int width, int height);
 void savePng(const std::string& path, int width, int height,
              const std::vector<unsigned char>& rgba);
 
+// Forgets every resource declaration a production made in the registry's lists.
+void clearDeclarations();
+
 // The screen bound, identity matrices, the given viewport, no shader, black clear colour, no
 // blending or depth.
 void resetState(int viewportWidth, int viewportHeight);

@@ -7,6 +7,7 @@
 #include "DataTexturePool.h"
 #include "Demo.h"
 #include "Effect.h"
+#include "GLTestSupport.h"
 #include "KVTDemosys.h"
 #include "Keyframe.h"
 #include "PictureFiles.h"
@@ -57,15 +58,6 @@ public:
     }
 };
 
-void clearDeclarations() {
-    KVTDemosys::TextureList.clear();
-    KVTDemosys::ShaderList.clear();
-    KVTDemosys::SceneList.clear();
-    KVTDemosys::AnimationList.clear();
-    KVTDemosys::BinaryList.clear();
-    KVTDemosys::VideoList.clear();
-}
-
 class LoaderPhases : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -77,7 +69,7 @@ protected:
             folder + "resources/graphics/Shared.png",
             testpictures::encodePng(2, 2, 3, std::vector<unsigned char>(12, 200)));
         std::filesystem::current_path(folder);
-        clearDeclarations();
+        gltest::clearDeclarations();
         bar = new CountingProgressBar;
         KVTDemosys::pBar = bar;
         KVTDemosys::resources = &resources;
@@ -88,7 +80,7 @@ protected:
         loader.dispose();
         testing::internal::GetCapturedStdout();
         KVTDemosys::resources = nullptr;
-        clearDeclarations();
+        gltest::clearDeclarations();
         std::filesystem::current_path(previous);
     }
 
@@ -155,7 +147,7 @@ TEST_F(LoaderPhases, DisposalDeletesEverythingInOrder) {
 }
 
 TEST(LoaderProgress, AnEmptyListStillCountsThreeSteps) {
-    clearDeclarations();
+    gltest::clearDeclarations();
     ResourceDefinition nothing;
     KVTDemosys::resources = &nothing;
     auto* bar = new CountingProgressBar;

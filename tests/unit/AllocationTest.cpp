@@ -3,39 +3,12 @@
 #include "TrackInterpolate.h"
 #include "TrackKeyFrameInterpolate.h"
 
+#include "AllocationCounter.h"
+
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
-
-namespace {
-std::atomic<bool> counting{false};
-std::atomic<long> allocations{0};
-} // namespace
-
-void* operator new(std::size_t size) {
-    if (counting) {
-        ++allocations;
-    }
-    if (void* memory = std::malloc(size == 0 ? 1 : size)) {
-        return memory;
-    }
-    throw std::bad_alloc();
-}
-
-// The replacement pair allocates with malloc, so free is the matching release; GCC cannot
-// see that pairing across the replaced operators.
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
-#pragma GCC diagnostic pop
+using allocationcount::allocations;
+using allocationcount::counting;
 
 TEST(Allocation, GetValueNeverAllocates) {
     TrackInterpolate track("value");
