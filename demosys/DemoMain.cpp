@@ -13,10 +13,29 @@
 
 #include <FL/Fl.H>
 
+#include <filesystem>
 #include <iostream>
 #include <unistd.h>
 
+namespace fs = std::filesystem;
+
 namespace {
+
+// A capture folder that does not exist yet is made, parents and all.
+bool makeCaptureFolder(const DemoOptions& options) {
+    if (File::isFolder(options.captureDir)) {
+        return true;
+    }
+    std::error_code failure;
+    fs::create_directories(options.captureDir, failure);
+    if (failure) {
+        std::cerr << options.program << ": cannot make the capture folder '" << options.captureDir
+                  << "': " << failure.message() << std::endl;
+        return false;
+    }
+    std::cout << "Made the capture folder '" << options.captureDir << "'" << std::endl;
+    return true;
+}
 
 // The folder of the running executable, so resources beside it are found from anywhere.
 bool enterExecutableFolder(std::string& folder) {
@@ -80,7 +99,7 @@ int pack(int argc, char** argv, const DemoOptions& options, const std::string& f
     demo.dispose();
     removeProduction();
     if (!packed) {
-        std::cerr << BRINOVA_NAME << ": packing failed" << std::endl;
+        std::cerr << options.program << ": packing failed" << std::endl;
         return 1;
     }
     std::cout << "Packed " << folder << "/resources.7z" << std::endl;
@@ -123,26 +142,31 @@ int DemoMain::run(int argc, char** argv, const Production& production) {
     DemoOptions options;
     std::string error;
     if (!options.parse(argc, argv, error)) {
-        std::cerr << BRINOVA_NAME << ": " << error << "\n\n" << DemoOptions::usage(BRINOVA_NAME);
+        std::cerr << options.program << ": " << error << "\n\n"
+                  << DemoOptions::usage(options.program);
         return 2;
     }
     if (options.help) {
-        std::cout << DemoOptions::usage(BRINOVA_NAME);
+        std::cout << DemoOptions::usage(options.program);
         return 0;
     }
     if (options.version) {
-        std::cout << BRINOVA_NAME << " " << BRINOVA_VERSION << std::endl;
+        std::cout << options.program << " " << BRINOVA_VERSION << std::endl;
         return 0;
+    }
+    options.resolvePaths(fs::current_path().string());
+    if (options.capture() && !makeCaptureFolder(options)) {
+        return 2;
     }
     std::string folder;
     if (!enterExecutableFolder(folder)) {
-        std::cerr << BRINOVA_NAME << ": cannot change to the program's folder" << std::endl;
+        std::cerr << options.program << ": cannot change to the program's folder" << std::endl;
         return 1;
     }
     const bool fromArchive = options.archive && !options.pack;
     std::string resources = fromArchive ? "resources.7z" : "resources";
     if (!(fromArchive ? access(resources.c_str(), R_OK) == 0 : File::isFolder(resources))) {
-        std::cerr << BRINOVA_NAME << ": the resources '" << folder << "/" << resources
+        std::cerr << options.program << ": the resources '" << folder << "/" << resources
                   << "' are missing" << std::endl;
         return 1;
     }

@@ -76,6 +76,10 @@ double DemoOptions::frameStepMs() const {
 }
 
 bool DemoOptions::parse(int argc, const char* const* argv, std::string& error) {
+    if (argc > 0) {
+        const std::string path = argv[0];
+        program = path.substr(path.rfind('/') + 1);
+    }
     for (int i = 1; i < argc; ++i) {
         std::string name = argv[i];
         std::string value = i + 1 < argc ? argv[i + 1] : "";
@@ -88,6 +92,20 @@ bool DemoOptions::parse(int argc, const char* const* argv, std::string& error) {
         }
     }
     return checkCombination(error);
+}
+
+// The program works from its own folder: paths the user gave are made absolute against the
+// folder it was started in first.
+void DemoOptions::resolvePaths(const std::string& startFolder) {
+    auto absolute = [&](std::string& path) {
+        if (!path.empty() && path[0] != '/') {
+            path = startFolder + "/" + path;
+        }
+    };
+    for (Shot& shot : shots) {
+        absolute(shot.file);
+    }
+    absolute(captureDir);
 }
 
 bool DemoOptions::parseOption(const std::string& name, const std::string* value, bool& usedValue,
@@ -158,9 +176,8 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
         }
         shots.push_back(shot);
     } else if (name == "--capture") {
-        if (text.empty() || !File::isFolder(text)) {
-            error = "folder '" + text + "' for --capture does not exist";
-            return false;
+        if (text.empty()) {
+            return invalid("a folder for the frames");
         }
         captureDir = text;
     } else if (name == "--fps") {

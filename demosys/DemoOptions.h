@@ -16,6 +16,8 @@ public:
     // Reads argv; false with a message naming the option and value when one is invalid.
     bool parse(int argc, const char* const* argv, std::string& error);
     static std::string usage(const std::string& program);
+    // Makes relative output paths (shots, capture folder) absolute against startFolder.
+    void resolvePaths(const std::string& startFolder);
 
     // The launcher is skipped with --no-launcher and by every offline mode.
     bool showLauncher() const;
@@ -25,6 +27,8 @@ public:
     // The fixed time step of offline rendering, in milliseconds per frame.
     double frameStepMs() const;
 
+    // The program's own name, from the command line, for its messages.
+    std::string program = "brinova";
     bool help = false;
     bool version = false;
     bool noLauncher = false;

@@ -104,7 +104,7 @@ bool OfflineRenderer::finish() {
             "the demo ended before the shot at " + KVTTime(pendingShots.front().timeMs).toString();
     }
     if (!error.empty()) {
-        std::cerr << "brinova: " << error << std::endl;
+        std::cerr << options.program << ": " << error << std::endl;
     }
     return error.empty();
 }

@@ -141,6 +141,24 @@ TEST_F(TestCardRun, InvalidOptionsStopBeforeAnythingStarts) {
     EXPECT_EQ(runCommand(std::string(TESTCARD_DEMO) + " --version").status, 0);
 }
 
+// Output paths the user types are relative to where they stand, not to the program's folder;
+// a capture folder is made when missing; the program names itself.
+TEST_F(TestCardRun, RelativePathsAreTheUsersAndTheProgramNamesItself) {
+    const std::string inFolder = "cd " + folder.string() + " && " + TESTCARD_DEMO;
+    Outcome shot = runCommand(inFolder + " --no-launcher --size 160x90 --shot 00:00:500=mine.png");
+    ASSERT_EQ(shot.status, 0) << shot.output;
+    EXPECT_TRUE(fs::exists(folder / "mine.png"));
+    Outcome capture = runCommand(inFolder + " --no-launcher --size 160x90 --end 00:00:200"
+                                            " --capture frames/deep --fps 10");
+    ASSERT_EQ(capture.status, 0) << capture.output;
+    EXPECT_TRUE(fs::exists(folder / "frames/deep/frame000000.png")) << capture.output;
+    EXPECT_NE(capture.output.find("Made the capture folder '" + (folder / "frames/deep").string()),
+              std::string::npos);
+    EXPECT_NE(
+        runCommand(std::string(TESTCARD_DEMO) + " --help").output.find("Usage: testcard_demo"),
+        std::string::npos);
+}
+
 TEST_F(TestCardRun, MissingResourceFolderIsNamed) {
     fs::path lonely = folder / "lonely";
     fs::create_directories(lonely);

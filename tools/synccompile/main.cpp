@@ -2,6 +2,7 @@
 // or turns a pack back into text.
 #include "SyncText.h"
 
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -44,6 +45,8 @@ int compile(const std::string& source, const std::string& folder, const std::str
         }
     }
     synctext::Document document;
+    std::error_code noFolder;
+    std::filesystem::create_directories(folder, noFolder);
     if (!synctext::parse(text, source, listPath.empty() ? nullptr : &schema, document, error) ||
         !synctext::writePack(document, folder, error)) {
         std::cerr << "synccompile: " << error << "\n";
