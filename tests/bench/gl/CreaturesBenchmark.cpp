@@ -4,13 +4,10 @@
 // clock steps 40 ms per frame, as at 25 frames a second, so the tracks and the trails are
 // evaluated as in the show. Every figure ends with glFinish, so the software renderer's
 // deferred work is counted; CPU is the time of all the process's threads.
+#include "BenchResources.h"
 #include "FBO.h"
-#include "KVTIO.h"
 #include "ParticleCreatures2Effect.h"
 #include "ParticleCreaturesEffect.h"
-#include "ResourceLoader.h"
-#include "Shader.h"
-#include "Texture.h"
 #include "TrackInterpolate.h"
 #include "TrackKeyFrameInterpolate.h"
 
@@ -18,7 +15,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -33,17 +29,9 @@ const unsigned int LOOP_MS = 16000;
 // The sprite shader and picture from the built program's folder, the tracks and the target.
 class Stage {
 public:
-    explicit Stage(int width, int height)
-        : target(std::make_unique<FBO>(width, height, false, false, GL_RGBA, GL_RGBA,
-                                       GL_UNSIGNED_BYTE)) {
-        const std::filesystem::path previous = std::filesystem::current_path();
-        std::filesystem::current_path(BRINOVA_BIN_DIR);
-        ResourceLoader loader;
-        loaded = loader.loadShader(&shader, {"particlesprite", "particlesprite", {}});
-        sprite.reset(KVTIO::loadTexture(KVTIO::TexturePath + "Particle.png", GL_TEXTURE_2D, false));
-        loaded = loaded && sprite != nullptr;
-        std::filesystem::current_path(previous);
-    }
+    Stage(int width, int height)
+        : shader(resources.shader("particlesprite")), sprite(resources.picture("Particle.png")),
+          target(resources.framebuffer(width, height)) {}
 
     // A linear track through (seconds, value) keys.
     void keys(TrackInterpolate*& slot, std::initializer_list<std::pair<float, float>> points) {
@@ -55,26 +43,26 @@ public:
         slot = tracks.back().get();
     }
 
-    bool loaded = false;
-    Shader shader;
-    std::unique_ptr<Texture> sprite;
-    std::unique_ptr<FBO> target;
+    BenchResources resources;
+    Shader* shader;
+    Texture* sprite;
+    FBO* target;
 
 private:
     std::vector<std::unique_ptr<TrackInterpolate>> tracks;
 };
 
 void drawFrames(benchmark::State& state, Stage& stage, Effect& effect) {
-    if (!stage.loaded) {
-        state.SkipWithError("the sprite shader or picture did not load");
+    if (!stage.resources.error().empty()) {
+        state.SkipWithError(stage.resources.error().c_str());
         return;
     }
     unsigned int time = 0;
-    effect.draw(time, FRAME_MS, stage.target.get());
+    effect.draw(time, FRAME_MS, stage.target);
     glFinish();
     for (auto _ : state) {
         time = (time + FRAME_MS) % LOOP_MS;
-        effect.draw(time, FRAME_MS, stage.target.get());
+        effect.draw(time, FRAME_MS, stage.target);
         glFinish();
     }
     FBO::bind(nullptr);
@@ -83,8 +71,8 @@ void drawFrames(benchmark::State& state, Stage& stage, Effect& effect) {
 void JellyfishFrame(benchmark::State& state) {
     Stage stage(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
     ParticleCreaturesEffect jellyfish;
-    jellyfish.shader = &stage.shader;
-    jellyfish.sprite = stage.sprite.get();
+    jellyfish.shader = stage.shader;
+    jellyfish.sprite = stage.sprite;
     stage.keys(jellyfish.count, {{0.0f, 4.0f}});
     stage.keys(jellyfish.x, {{0.0f, -0.5f}, {16.0f, 0.4f}});
     stage.keys(jellyfish.y, {{0.0f, -0.3f}, {16.0f, 0.25f}});
@@ -104,8 +92,8 @@ BENCHMARK(JellyfishFrame)
 void SiphonophoreFrame(benchmark::State& state) {
     Stage stage(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)));
     ParticleCreatures2Effect chain;
-    chain.shader = &stage.shader;
-    chain.sprite = stage.sprite.get();
+    chain.shader = stage.shader;
+    chain.sprite = stage.sprite;
     stage.keys(chain.count, {{0.0f, static_cast<float>(ParticleCreatures2Effect::MAX_BODIES)}});
     stage.keys(chain.x, {{0.0f, -0.2f}, {16.0f, 0.2f}});
     stage.keys(chain.y, {{0.0f, 0.0f}});

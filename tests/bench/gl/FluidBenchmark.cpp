@@ -3,20 +3,14 @@
 // the dye step, and the whole frame with the composite into a 16:9 target of the width given
 // (640: the figure to read; 64: nearly all but the composite). Every figure ends with
 // glFinish, so the software renderer's deferred work is counted.
+#include "BenchResources.h"
 #include "FBO.h"
 #include "FluidEffect.h"
-#include "KVTIO.h"
-#include "ResourceLoader.h"
-#include "Shader.h"
-#include "Texture.h"
-#include "TrackInterpolate.h"
-#include "TrackKeyFrameInterpolate.h"
 
 #include <GL/glew.h>
 
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,56 +23,41 @@ namespace {
 class FluidRig {
 public:
     explicit FluidRig(int screenWidth) {
-        const std::filesystem::path previous = std::filesystem::current_path();
-        std::filesystem::current_path(BRINOVA_BIN_DIR);
-        loadShaders();
-        loadPictures();
-        std::filesystem::current_path(previous);
+        wireShaders();
+        wirePictures();
         for (FBO* FluidEffect::*slot : {&FluidEffect::m_densities_source, &FluidEffect::m_densities,
                                         &FluidEffect::m_densities_prev, &FluidEffect::m_d_tmp}) {
-            fluid.*slot = keep(new FBO(256, 256, false, false, GL_RGB16F, GL_RGB, GL_FLOAT));
+            fluid.*slot = resources.framebuffer(256, 256, false, GL_RGB16F, GL_RGB, GL_FLOAT);
         }
         for (FBO* FluidEffect::*slot :
              {&FluidEffect::m_velocities_u_source, &FluidEffect::m_velocities_v_source,
               &FluidEffect::m_velocities_u, &FluidEffect::m_velocities_v,
               &FluidEffect::m_velocities_u_prev, &FluidEffect::m_velocities_v_prev,
               &FluidEffect::m_v_tmp}) {
-            fluid.*slot = keep(new FBO(64, 64, false, false, GL_R16F, GL_RED, GL_FLOAT));
+            fluid.*slot = resources.framebuffer(64, 64, false, GL_R16F, GL_RED, GL_FLOAT);
         }
         const int screenHeight = screenWidth * 9 / 16;
-        for (FBO* FluidEffect::*slot : {&FluidEffect::staging0, &FluidEffect::staging1}) {
-            fluid.*slot = keep(new FBO(screenWidth, screenHeight, false, false, GL_RGBA, GL_RGBA,
-                                       GL_UNSIGNED_BYTE));
-        }
-        target = keep(
-            new FBO(screenWidth, screenHeight, false, false, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE));
-        const std::pair<TrackInterpolate * FluidEffect::*, float> values[] = {
-            {&FluidEffect::source, 5.0f},
-            {&FluidEffect::timeStep, 1.0f / 60.0f},
-            {&FluidEffect::xpos, 0.0f},
-            {&FluidEffect::ypos, 0.0f},
-            {&FluidEffect::opacity, 1.0f}};
-        for (const auto& [slot, value] : values) {
-            tracks.push_back(std::make_unique<TrackInterpolate>("value"));
-            tracks.back()->addKeyframe(new TrackKeyFrameInterpolate(0, 0, value));
-            fluid.*slot = tracks.back().get();
-        }
-        if (error.empty()) {
+        fluid.staging0 = resources.framebuffer(screenWidth, screenHeight);
+        fluid.staging1 = resources.framebuffer(screenWidth, screenHeight);
+        target = resources.framebuffer(screenWidth, screenHeight);
+        resources.set(fluid.source, 5.0f);
+        resources.set(fluid.timeStep, 1.0f / 60.0f);
+        resources.set(fluid.xpos, 0.0f);
+        resources.set(fluid.ypos, 0.0f);
+        resources.set(fluid.opacity, 1.0f);
+        if (error().empty()) {
             fluid.init();
         }
     }
 
+    const std::string& error() const { return resources.error(); }
+
+    BenchResources resources;
     FluidEffect fluid;
     FBO* target = nullptr;
-    std::string error;
 
 private:
-    FBO* keep(FBO* framebuffer) {
-        framebuffers.emplace_back(framebuffer);
-        return framebuffer;
-    }
-
-    void loadShaders() {
+    void wireShaders() {
         const std::pair<Shader * FluidEffect::*, const char*> files[] = {
             {&FluidEffect::addSourceShader, "AddSource"},
             {&FluidEffect::advectShader, "Advect"},
@@ -90,16 +69,11 @@ private:
             {&FluidEffect::normalizeShader, "Normalize"},
             {&FluidEffect::screenOpacityShader, "ScreenOpacity"}};
         for (const auto& [slot, file] : files) {
-            shaders.push_back(std::make_unique<Shader>());
-            ResourceLoader loader;
-            if (!loader.loadShader(shaders.back().get(), {file, file, {}})) {
-                error = loader.getErrorMessage();
-            }
-            fluid.*slot = shaders.back().get();
+            fluid.*slot = resources.shader(file);
         }
     }
 
-    void loadPictures() {
+    void wirePictures() {
         const std::pair<Texture * FluidEffect::*, const char*> files[] = {
             {&FluidEffect::uSource, "Velocities.png"},
             {&FluidEffect::vSource, "Velocities2.png"},
@@ -114,26 +88,16 @@ private:
             {&FluidEffect::korvathlogoSmall, "KorvathLogoSmall.png"},
             {&FluidEffect::brinovalogoSmall, "BrinovaLogoSmall.png"}};
         for (const auto& [slot, file] : files) {
-            pictures.emplace_back(
-                KVTIO::loadTexture(KVTIO::TexturePath + file, GL_TEXTURE_2D, false));
-            if (!pictures.back()) {
-                error = std::string("cannot load ") + file;
-            }
-            fluid.*slot = pictures.back().get();
+            fluid.*slot = resources.picture(file);
         }
     }
-
-    std::vector<std::unique_ptr<Shader>> shaders;
-    std::vector<std::unique_ptr<Texture>> pictures;
-    std::vector<std::unique_ptr<FBO>> framebuffers;
-    std::vector<std::unique_ptr<TrackInterpolate>> tracks;
 };
 
 // Runs one part of the fluid's frame over and over, the simulation advancing each time.
 void measure(benchmark::State& state, int screenWidth, const std::function<void(FluidRig&)>& part) {
     FluidRig rig(screenWidth);
-    if (!rig.error.empty()) {
-        state.SkipWithError(rig.error.c_str());
+    if (!rig.error().empty()) {
+        state.SkipWithError(rig.error().c_str());
         return;
     }
     part(rig);

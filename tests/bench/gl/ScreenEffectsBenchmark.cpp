@@ -3,25 +3,21 @@
 // zoom passes, the heaviest pass of the production), and the post-processing and credits
 // into a 640 x 360 target. Every figure ends with glFinish, so the software renderer's
 // deferred work is counted.
+#include "BenchResources.h"
 #include "BrinovaResources.h"
 #include "CreditsEffect.h"
 #include "FBO.h"
 #include "GlowEffect.h"
-#include "KVTIO.h"
 #include "PostProcessEffect.h"
 #include "RadialBlurEffect.h"
-#include "ResourceLoader.h"
 #include "Shader.h"
 #include "Texture.h"
 #include "TrackInterpolate.h"
-#include "TrackKeyFrameInterpolate.h"
 
 #include <GL/glew.h>
 
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -31,60 +27,10 @@ namespace {
 const int SCREEN_WIDTH = 640;
 const int SCREEN_HEIGHT = 360;
 
-// Shaders, pictures and constant tracks read from the built program's folder, kept alive
-// for the whole run.
-class Resources {
-public:
-    Shader* shader(const std::string& file) {
-        std::unique_ptr<Shader>& slot = shaders[file];
-        if (!slot) {
-            slot = std::make_unique<Shader>();
-            ResourceLoader loader;
-            InProgramFolder folder;
-            if (!loader.loadShader(slot.get(), {file, file, {}})) {
-                error = loader.getErrorMessage();
-            }
-        }
-        return slot.get();
-    }
-    Texture* picture(const std::string& file, unsigned int target = GL_TEXTURE_2D) {
-        InProgramFolder folder;
-        pictures.emplace_back(KVTIO::loadTexture(KVTIO::TexturePath + file, target, false));
-        if (!pictures.back()) {
-            error = "cannot load " + file;
-        }
-        return pictures.back().get();
-    }
-    FBO* framebuffer(int width, int height) {
-        framebuffers.push_back(
-            std::make_unique<FBO>(width, height, false, false, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE));
-        return framebuffers.back().get();
-    }
-    void set(TrackInterpolate*& slot, float value) {
-        tracks.push_back(std::make_unique<TrackInterpolate>("value"));
-        tracks.back()->addKeyframe(new TrackKeyFrameInterpolate(0, 0, value));
-        slot = tracks.back().get();
-    }
-
-    std::string error;
-
-private:
-    struct InProgramFolder {
-        std::filesystem::path previous = std::filesystem::current_path();
-        InProgramFolder() { std::filesystem::current_path(BRINOVA_BIN_DIR); }
-        ~InProgramFolder() { std::filesystem::current_path(previous); }
-    };
-
-    std::map<std::string, std::unique_ptr<Shader>> shaders;
-    std::vector<std::unique_ptr<Texture>> pictures;
-    std::vector<std::unique_ptr<FBO>> framebuffers;
-    std::vector<std::unique_ptr<TrackInterpolate>> tracks;
-};
-
 // Draws the effect frame after frame into target, as the frame loop would.
-void drawFrames(benchmark::State& state, Resources& resources, Effect& effect, FBO* target) {
-    if (!resources.error.empty()) {
-        state.SkipWithError(resources.error.c_str());
+void drawFrames(benchmark::State& state, BenchResources& resources, Effect& effect, FBO* target) {
+    if (!resources.error().empty()) {
+        state.SkipWithError(resources.error().c_str());
         return;
     }
     effect.draw(0, 16, target);
@@ -101,7 +47,7 @@ BrinovaResources::ScreenBufferSizes sizesOf(const benchmark::State& state) {
 
 void GlowFrame(benchmark::State& state) {
     const BrinovaResources::ScreenBufferSizes size = sizesOf(state);
-    Resources r;
+    BenchResources r;
     GlowEffect glow;
     glow.source = r.framebuffer(size.main, size.main);
     glow.horizontal = r.framebuffer(size.half, size.half);
@@ -122,7 +68,7 @@ BENCHMARK(GlowFrame)->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
 
 void RadialBlurFrame(benchmark::State& state) {
     const BrinovaResources::ScreenBufferSizes size = sizesOf(state);
-    Resources r;
+    BenchResources r;
     RadialBlurEffect radial;
     radial.source = r.framebuffer(size.main, size.main);
     radial.scene = r.framebuffer(size.main, size.main);
@@ -139,7 +85,7 @@ BENCHMARK(RadialBlurFrame)->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
 
 void PostProcessFrame(benchmark::State& state) {
     const BrinovaResources::ScreenBufferSizes size = sizesOf(state);
-    Resources r;
+    BenchResources r;
     PostProcessEffect post;
     post.source = r.framebuffer(size.main, size.main);
     post.shader = r.shader("PostProcess");
@@ -161,7 +107,7 @@ BENCHMARK(PostProcessFrame)->Arg(0)->Arg(2)->Unit(benchmark::kMillisecond);
 
 void CreditsFrame(benchmark::State& state) {
     const BrinovaResources::ScreenBufferSizes size = sizesOf(state);
-    Resources r;
+    BenchResources r;
     CreditsEffect credits;
     const char* files[CreditsEffect::PICTURE_COUNT] = {
         "Vask.png", "Lumo.png", "Orin.png", "Quillet.png", "KorvathLogo.png", "BrinovaLogo.png"};

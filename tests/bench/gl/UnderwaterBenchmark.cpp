@@ -3,16 +3,14 @@
 // glFinish, so the software renderer's deferred work is counted. CPU is the time of all the
 // process's threads, the renderer's workers included: on a shared machine it is the steadier
 // measure of the work, while Time is the wall clock.
+#include "BenchResources.h"
 #include "FBO.h"
 #include "KVTDemosys.h"
-#include "KVTIO.h"
 #include "ParticleSystem.h"
-#include "ResourceLoader.h"
 #include "ScreenMetrics.h"
 #include "Shader.h"
 #include "Texture.h"
 #include "TrackInterpolate.h"
-#include "TrackKeyFrameInterpolate.h"
 #include "UnderwaterEffect.h"
 #include "VBODynamic.h"
 
@@ -21,7 +19,6 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,20 +29,12 @@ const int WIDTH = 640;
 const int HEIGHT = 360;
 const unsigned int TIME = 20000;
 
-std::unique_ptr<TrackInterpolate> constant(float value) {
-    auto track = std::make_unique<TrackInterpolate>("value");
-    track->addKeyframe(new TrackKeyFrameInterpolate(0, TrackInterpolate::LINEAR, value));
-    return track;
-}
-
 // The effect with its resources, built once: the floor alone takes a while to generate.
 class Scene {
 public:
     Scene() {
-        const std::filesystem::path previous = std::filesystem::current_path();
-        std::filesystem::current_path(BRINOVA_BIN_DIR);
-        loaded = loadShaders() && loadPictures();
-        std::filesystem::current_path(previous);
+        assignResources();
+        loaded = resources.error().empty();
         if (!loaded) {
             return;
         }
@@ -54,7 +43,6 @@ public:
         metrics.setNear(1.0f);
         metrics.setFar(200.0f);
         KVTDemosys::screenMetrics = &metrics;
-        assignResources();
         std::srand(2024);
         effect.init();
     }
@@ -73,69 +61,35 @@ public:
         KVTDemosys::camera.setGLMatrixes();
     }
 
+    BenchResources resources;
     bool loaded = false;
     UnderwaterEffect effect;
-    std::unique_ptr<FBO> scene =
-        std::make_unique<FBO>(WIDTH, HEIGHT, true, false, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE);
-    std::unique_ptr<FBO> between =
-        std::make_unique<FBO>(WIDTH, HEIGHT, false, false, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE);
-    std::unique_ptr<FBO> target =
-        std::make_unique<FBO>(WIDTH, HEIGHT, false, false, GL_RGBA, GL_RGBA, GL_UNSIGNED_BYTE);
+    FBO* scene = resources.framebuffer(WIDTH, HEIGHT, true);
+    FBO* between = resources.framebuffer(WIDTH, HEIGHT);
+    FBO* target = resources.framebuffer(WIDTH, HEIGHT);
 
 private:
-    bool loadShaders() {
-        ResourceLoader loader;
-        for (const char* file : {"point_light", "Laplacian", "Dilate", "Waves", "particlesprite"}) {
-            shaders.push_back(std::make_unique<Shader>());
-            if (!loader.loadShader(shaders.back().get(), {file, file, {}})) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    bool loadPictures() {
-        for (const char* file : {"OceanSurface.png", "Waves1Normals.png", "Waves2Normals.png",
-                                 "Waves3Normals.png", "Puff.png"}) {
-            const bool mipmap = std::string(file) == "OceanSurface.png";
-            pictures.emplace_back(
-                KVTIO::loadTexture(KVTIO::TexturePath + file, GL_TEXTURE_2D, mipmap));
-            if (pictures.back() == nullptr) {
-                return false;
-            }
-        }
-        return true;
-    }
-
     void assignResources() {
-        effect.floorShader = shaders[0].get();
-        effect.laplaceShader = shaders[1].get();
-        effect.dilateShader = shaders[2].get();
-        effect.wavesShader = shaders[3].get();
-        effect.spriteShader = shaders[4].get();
-        effect.sceneTarget = scene.get();
-        effect.filterTarget = between.get();
-        effect.oceanSurfaceTexture = pictures[0].get();
-        effect.waveNormals0 = pictures[1].get();
-        effect.waveNormals1 = pictures[2].get();
-        effect.waveNormals2 = pictures[3].get();
-        effect.debrisTexture = pictures[4].get();
-        setTrack(effect.wave_time, 3.0f);
-        setTrack(effect.ribbons_noise_offset, 1.0f);
-        setTrack(effect.num_ribs, 20.0f);
-        setTrack(effect.num_ribs_verts, 100.0f);
-        setTrack(effect.deb_size, 12.0f);
-    }
-
-    void setTrack(TrackInterpolate*& slot, float value) {
-        tracks.push_back(constant(value));
-        slot = tracks.back().get();
+        effect.floorShader = resources.shader("point_light");
+        effect.laplaceShader = resources.shader("Laplacian");
+        effect.dilateShader = resources.shader("Dilate");
+        effect.wavesShader = resources.shader("Waves");
+        effect.spriteShader = resources.shader("particlesprite");
+        effect.sceneTarget = scene;
+        effect.filterTarget = between;
+        effect.oceanSurfaceTexture = resources.picture("OceanSurface.png", GL_TEXTURE_2D, true);
+        effect.waveNormals0 = resources.picture("Waves1Normals.png");
+        effect.waveNormals1 = resources.picture("Waves2Normals.png");
+        effect.waveNormals2 = resources.picture("Waves3Normals.png");
+        effect.debrisTexture = resources.picture("Puff.png");
+        resources.set(effect.wave_time, 3.0f);
+        resources.set(effect.ribbons_noise_offset, 1.0f);
+        resources.set(effect.num_ribs, 20.0f);
+        resources.set(effect.num_ribs_verts, 100.0f);
+        resources.set(effect.deb_size, 12.0f);
     }
 
     ScreenMetrics metrics;
-    std::vector<std::unique_ptr<Shader>> shaders;
-    std::vector<std::unique_ptr<Texture>> pictures;
-    std::vector<std::unique_ptr<TrackInterpolate>> tracks;
 };
 
 // Made on first use and kept to the end of the program: deleting it would call OpenGL after
@@ -161,15 +115,15 @@ template <typename Part> void measure(benchmark::State& state, Part part) {
 
 void UnderwaterFrame(benchmark::State& state) {
     measure(state, [](Scene& s) {
-        FBO::clearNow(s.scene.get());
-        s.effect.draw(TIME, 16, s.target.get());
+        FBO::clearNow(s.scene);
+        s.effect.draw(TIME, 16, s.target);
     });
 }
 BENCHMARK(UnderwaterFrame)->Unit(benchmark::kMillisecond)->MinTime(2.0)->MeasureProcessCPUTime();
 
 void UnderwaterFloor(benchmark::State& state) {
     measure(state, [](Scene& s) {
-        FBO::clearNow(s.scene.get());
+        FBO::clearNow(s.scene);
         glEnable(GL_DEPTH_TEST);
         s.effect.floorShader->use();
         s.effect.floorShader->setUniform1f("wave_time", 3.0f);
@@ -182,7 +136,7 @@ BENCHMARK(UnderwaterFloor)->Unit(benchmark::kMillisecond)->MinTime(2.0)->Measure
 // The floor's vertices alone: every fragment is cut away before shading.
 void UnderwaterFloorVerticesOnly(benchmark::State& state) {
     measure(state, [](Scene& s) {
-        FBO::bind(s.scene.get());
+        FBO::bind(s.scene);
         glEnable(GL_CULL_FACE);
         glCullFace(GL_FRONT_AND_BACK);
         s.effect.floorShader->use();
@@ -198,7 +152,7 @@ BENCHMARK(UnderwaterFloorVerticesOnly)
 
 void UnderwaterSurface(benchmark::State& state) {
     measure(state, [](Scene& s) {
-        FBO::clearNow(s.scene.get());
+        FBO::clearNow(s.scene);
         glEnable(GL_DEPTH_TEST);
         Shader* waves = s.effect.wavesShader;
         waves->use();
@@ -215,7 +169,7 @@ BENCHMARK(UnderwaterSurface)->Unit(benchmark::kMillisecond)->MinTime(2.0)->Measu
 
 void UnderwaterWeed(benchmark::State& state) {
     measure(state, [](Scene& s) {
-        FBO::clearNow(s.scene.get());
+        FBO::clearNow(s.scene);
         glEnable(GL_DEPTH_TEST);
         glTranslatef(0.0f, -3.0f, 0.0f);
         s.effect.drawWeed(TIME);
@@ -225,13 +179,13 @@ BENCHMARK(UnderwaterWeed)->Unit(benchmark::kMillisecond)->MinTime(2.0)->MeasureP
 
 void UnderwaterLaplacianPass(benchmark::State& state) {
     measure(state, [](Scene& s) {
-        FBO::bind(s.between.get());
+        FBO::bind(s.between);
         s.effect.laplaceShader->use();
-        s.effect.laplaceShader->setTextureUnit0("Texture", FBO::getColorBuffer(s.scene.get(), 0));
+        s.effect.laplaceShader->setTextureUnit0("Texture", FBO::getColorBuffer(s.scene, 0));
         s.effect.laplaceShader->setUniform1f("viewportStep", UnderwaterEffect::VIEWPORT_STEP);
         s.effect.laplaceShader->setUniform1f("contrast", 2.0f);
         s.effect.laplaceShader->setUniform3f("color", 1.0f, 1.0f, 1.0f);
-        FBO::draw(s.scene.get());
+        FBO::draw(s.scene);
         s.effect.laplaceShader->release();
     });
 }
@@ -242,11 +196,11 @@ BENCHMARK(UnderwaterLaplacianPass)
 
 void UnderwaterDilatePass(benchmark::State& state) {
     measure(state, [](Scene& s) {
-        FBO::bind(s.target.get());
+        FBO::bind(s.target);
         s.effect.dilateShader->use();
-        s.effect.dilateShader->setTextureUnit0("Texture", FBO::getColorBuffer(s.between.get(), 0));
+        s.effect.dilateShader->setTextureUnit0("Texture", FBO::getColorBuffer(s.between, 0));
         s.effect.dilateShader->setUniform1f("viewportStep", UnderwaterEffect::VIEWPORT_STEP);
-        FBO::draw(s.between.get());
+        FBO::draw(s.between);
         s.effect.dilateShader->release();
     });
 }
@@ -257,7 +211,7 @@ BENCHMARK(UnderwaterDilatePass)
 
 void UnderwaterDebris(benchmark::State& state) {
     measure(state, [](Scene& s) {
-        FBO::bind(s.target.get());
+        FBO::bind(s.target);
         s.effect.debris->setPointSize(12.0f, WIDTH);
         s.effect.debris->drawPointSprites(s.effect.spriteShader, s.effect.debrisTexture, -1.0f);
     });
