@@ -237,11 +237,18 @@ bool ResourceLoader::checkRequiredExtensions() {
     if (required.empty()) {
         return true;
     }
-    GLExtensions available;
-    for (const std::string& name : required) {
-        available.addToChecklist(name);
+    // The record made when the screen opened holds the checklist; a loader used without
+    // opening a screen reads the driver's list once for itself.
+    std::unique_ptr<GLExtensions> ownRecord;
+    GLExtensions* available = KVTDemosys::glExtensions;
+    if (available == nullptr) {
+        ownRecord = std::make_unique<GLExtensions>();
+        available = ownRecord.get();
     }
-    return available.isSupported() || fail(available.getErrorMessage());
+    for (const std::string& name : required) {
+        available->addToChecklist(name);
+    }
+    return available->isSupported() || fail(available->getErrorMessage());
 }
 
 bool ResourceLoader::loadShaders() {
