@@ -106,8 +106,18 @@ void Demo::run() {
     while (!KVTDemosys::checkQuit()) {
         drawFrame();
     }
+    if (frameListener != nullptr) {
+        frameListener->afterLastFrame();
+    }
     std::cout << "Duration : " << KVTTime(KVTDemosys::timer->getTime()).toString() << std::endl;
-    std::cout << "FPS = " << KVTDemosys::getFPS(SDL_GetTicks()) << std::endl;
+    if (frameStepMs > 0.0) {
+        // Offline frames follow their own clock, so a rate against the demo's time means
+        // nothing: say how much was rendered and how long it took.
+        std::cout << "Rendered " << KVTDemosys::frames << " frames in "
+                  << (SDL_GetTicks() - KVTDemosys::fpstime) / 1000.0 << " s" << std::endl;
+    } else {
+        std::cout << "FPS = " << KVTDemosys::getFPS(SDL_GetTicks()) << std::endl;
+    }
 }
 
 void Demo::drawFrame() {

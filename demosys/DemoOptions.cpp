@@ -3,6 +3,7 @@
 #include "File.h"
 #include "KVTTime.h"
 #include "StringUtils.h"
+#include "VideoEncoder.h"
 
 #include <algorithm>
 
@@ -63,6 +64,8 @@ std::string DemoOptions::usage(const std::string& program) {
            "  --shot mm:ss:ms=FILE.png\n"
            "                        render the frame at that time to a PNG (repeatable), quit\n"
            "  --capture DIR --fps N render every frame at N frames a second into DIR as PNGs\n"
+           "  --video FILE          render a video with the music: .mp4 (H.264, AAC), .mkv or\n"
+           "                        .webm (VP9, Opus), at --fps N (default 60); needs ffmpeg\n"
            "  --benchmark           render as fast as possible and print frame statistics\n"
            "  --pack                pack the production's resources into resources.7z, quit\n";
 }
@@ -71,8 +74,12 @@ bool DemoOptions::showLauncher() const {
     return !noLauncher && !framesDriveClock() && !pack;
 }
 
+int DemoOptions::framesPerSecond() const {
+    return fps > 0 ? fps : OfflineFps;
+}
+
 double DemoOptions::frameStepMs() const {
-    return 1000.0 / (fps > 0 ? fps : OfflineFps);
+    return 1000.0 / framesPerSecond();
 }
 
 bool DemoOptions::parse(int argc, const char* const* argv, std::string& error) {
@@ -106,13 +113,14 @@ void DemoOptions::resolvePaths(const std::string& startFolder) {
         absolute(shot.file);
     }
     absolute(captureDir);
+    absolute(videoFile);
 }
 
 bool DemoOptions::parseOption(const std::string& name, const std::string* value, bool& usedValue,
                               std::string& error) {
-    static const std::vector<std::string> withValue = {"--size",    "--vsync",   "--aa",
-                                                       "--quality", "--start",   "--end",
-                                                       "--shot",    "--capture", "--fps"};
+    static const std::vector<std::string> withValue = {"--size",  "--vsync", "--aa",   "--quality",
+                                                       "--start", "--end",   "--shot", "--capture",
+                                                       "--fps",   "--video"};
     bool needsValue = std::find(withValue.begin(), withValue.end(), name) != withValue.end();
     if (needsValue && value == nullptr) {
         error = "option " + name + " needs a value";
@@ -180,6 +188,15 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
             return invalid("a folder for the frames");
         }
         captureDir = text;
+    } else if (name == "--video") {
+        if (!VideoEncoder::knownContainer(text)) {
+            return invalid("a video file ending in .mp4, .mkv or .webm");
+        }
+        if (!File::isFolder(folderOf(text))) {
+            error = "folder '" + folderOf(text) + "' for " + name + " does not exist";
+            return false;
+        }
+        videoFile = text;
     } else if (name == "--fps") {
         if (!readWhole(text, 1, 240, fps)) {
             return invalid("frames a second from 1 to 240");
@@ -192,17 +209,28 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
 }
 
 bool DemoOptions::checkCombination(std::string& error) const {
-    if (capture() != (fps > 0)) {
-        error = "--capture DIR and --fps N go together";
+    if (capture() && fps == 0) {
+        error = "--capture DIR needs --fps N";
+        return false;
+    }
+    if (fps > 0 && !capture() && !video()) {
+        error = "--fps N goes with --capture DIR or --video FILE";
+        return false;
+    }
+    // The encoder's 4:2:0 colour halves both sides.
+    if (video() && (width % 2 != 0 || height % 2 != 0)) {
+        error = "--video needs an even width and height, not " + std::to_string(width) + "x" +
+                std::to_string(height);
         return false;
     }
     if (hasStart && hasEnd && endMs <= startMs) {
         error = "--end must lie after --start";
         return false;
     }
-    int offlineModes = (capture() ? 1 : 0) + (shots.empty() ? 0 : 1) + (benchmark ? 1 : 0);
+    int offlineModes =
+        (capture() ? 1 : 0) + (video() ? 1 : 0) + (shots.empty() ? 0 : 1) + (benchmark ? 1 : 0);
     if (offlineModes > 1) {
-        error = "--capture, --shot and --benchmark cannot be combined";
+        error = "--capture, --video, --shot and --benchmark cannot be combined";
         return false;
     }
     return true;

@@ -22,9 +22,11 @@ public:
     // The launcher is skipped with --no-launcher and by every offline mode.
     bool showLauncher() const;
     // Offline modes take their clock from the frame counter instead of the music.
-    bool framesDriveClock() const { return capture() || !shots.empty() || benchmark; }
+    bool framesDriveClock() const { return capture() || video() || !shots.empty() || benchmark; }
     bool capture() const { return !captureDir.empty(); }
-    // The fixed time step of offline rendering, in milliseconds per frame.
+    bool video() const { return !videoFile.empty(); }
+    // The frame rate of offline rendering, and its fixed time step in milliseconds.
+    int framesPerSecond() const;
     double frameStepMs() const;
 
     // The program's own name, from the command line, for its messages.
@@ -46,6 +48,7 @@ public:
     bool hasEnd = false;
     unsigned int endMs = 0;
     std::string captureDir;
+    std::string videoFile;
     int fps = 0;
     std::vector<Shot> shots;
 

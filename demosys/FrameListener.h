@@ -9,4 +9,6 @@ public:
     virtual void beforeFrame() {}
     // After every effect has drawn a frame showing time, before the buffers are swapped.
     virtual void afterFrame(unsigned int time) { static_cast<void>(time); }
+    // Once the loop has ended, while the screen and its GL context still exist.
+    virtual void afterLastFrame() {}
 };

@@ -4,6 +4,7 @@
 #include "KVTDemosys.h"
 #include "KVTTime.h"
 #include "ScreenMetrics.h"
+#include "VideoExport.h"
 
 #include <GL/glew.h>
 #include <stb_image_write.h>
@@ -20,6 +21,8 @@ OfflineRenderer::OfflineRenderer(const DemoOptions& chosen, Clock::time_point st
         [](const DemoOptions::Shot& a, const DemoOptions::Shot& b) { return a.timeMs < b.timeMs; });
 }
 
+OfflineRenderer::~OfflineRenderer() = default;
+
 FrameTimer* OfflineRenderer::frameTimer() const {
     return static_cast<FrameTimer*>(KVTDemosys::timer);
 }
@@ -35,29 +38,93 @@ void OfflineRenderer::beforeFrame() {
 }
 
 void OfflineRenderer::afterFrame(unsigned int time) {
-    int width = KVTDemosys::screenMetrics->getWidth();
-    int height = KVTDemosys::screenMetrics->getHeight();
     if (!pendingShots.empty()) {
-        const std::string file = pendingShots.front().file;
-        pendingShots.erase(pendingShots.begin());
-        if (!saveScreen(file, width, height)) {
-            error = "cannot write '" + file + "'";
-        }
-        std::cout << "Shot " << KVTTime(time).toString() << " -> " << file << std::endl;
-        if (pendingShots.empty() || !error.empty()) {
-            KVTDemosys::setQuit(true);
-        }
+        takeShot(time);
     } else if (options.capture()) {
-        char name[32];
-        std::snprintf(name, sizeof name, "/frame%06lu.png", captured++);
-        std::string file = options.captureDir + name;
-        if (!saveScreen(file, width, height)) {
-            error = "cannot write '" + file + "'";
-            KVTDemosys::setQuit(true);
-        }
+        captureFrame();
+    } else if (options.video()) {
+        videoFrame();
     }
     if (options.benchmark) {
         recordFrameTime(time);
+    }
+}
+
+void OfflineRenderer::takeShot(unsigned int time) {
+    const std::string file = pendingShots.front().file;
+    pendingShots.erase(pendingShots.begin());
+    if (!saveScreen(file, KVTDemosys::screenMetrics->getWidth(),
+                    KVTDemosys::screenMetrics->getHeight())) {
+        error = "cannot write '" + file + "'";
+    }
+    std::cout << "Shot " << KVTTime(time).toString() << " -> " << file << std::endl;
+    if (pendingShots.empty() || !error.empty()) {
+        KVTDemosys::setQuit(true);
+    }
+}
+
+void OfflineRenderer::captureFrame() {
+    char name[32];
+    std::snprintf(name, sizeof name, "/frame%06lu.png", captured);
+    const std::string file = options.captureDir + name;
+    if (!saveScreen(file, KVTDemosys::screenMetrics->getWidth(),
+                    KVTDemosys::screenMetrics->getHeight())) {
+        error = "cannot write '" + file + "'";
+        KVTDemosys::setQuit(true);
+        return;
+    }
+    ++captured;
+    stopAfterInterval();
+}
+
+void OfflineRenderer::videoFrame() {
+    if (video == nullptr) {
+        if (framesInInterval() == 0) {
+            error = "the video would have no frames: the start is not before the end";
+            KVTDemosys::setQuit(true);
+            return;
+        }
+        video = std::make_unique<VideoExport>(options.videoFile, options.framesPerSecond());
+        if (!video->begin(KVTDemosys::DemoStartTime.getTicks(), framesInInterval(), error)) {
+            KVTDemosys::setQuit(true);
+            return;
+        }
+    }
+    if (!video->addFrame(error)) {
+        KVTDemosys::setQuit(true);
+        return;
+    }
+    ++captured;
+    stopAfterInterval();
+}
+
+// The number of frames at start + k / fps before the end.
+unsigned long OfflineRenderer::framesInInterval() const {
+    const unsigned long long start = KVTDemosys::DemoStartTime.getTicks();
+    const unsigned long long end = KVTDemosys::DemoEndTime.getTicks();
+    const unsigned long long span = end > start ? end - start : 0;
+    return static_cast<unsigned long>((span * options.framesPerSecond() + 999) / 1000);
+}
+
+void OfflineRenderer::stopAfterInterval() {
+    if (intervalFrames == 0) {
+        intervalFrames = framesInInterval();
+    }
+    if (captured >= intervalFrames) {
+        KVTDemosys::setQuit(true);
+    }
+}
+
+// A video cut short (Ctrl-C, a closed window, an error) is given up while its GL buffers
+// can still be freed, and leaves no file.
+void OfflineRenderer::afterLastFrame() {
+    if (video == nullptr || video->complete()) {
+        return;
+    }
+    video->abandon();
+    if (error.empty()) {
+        error = "the video export stopped after " + std::to_string(captured) + " of " +
+                std::to_string(framesInInterval()) + " frames; no video was written";
     }
 }
 

@@ -100,17 +100,19 @@ TEST_F(TestCardRun, EffectsDrawInTheirIntervalsTargetsAndPriorities) {
     expectColour(pixelAtScreen(load(folder / "h.png"), 0, 0), 0, 255, 0, "after every interval");
 }
 
-TEST_F(TestCardRun, CaptureWritesEveryFrameUpToTheEndTime) {
+// An offline render covers start <= t < end: frames at start + k / fps, numbered from 0.
+TEST_F(TestCardRun, CaptureWritesTheFramesOfTheIntervalExactly) {
     Outcome run = runDemo(TESTCARD_DEMO, "--capture " + folder.string() + " --fps 10");
     ASSERT_EQ(run.status, 0) << run.output;
     int frames = 0;
     for (const auto& entry : fs::directory_iterator(folder)) {
         frames += entry.path().extension() == ".png" ? 1 : 0;
     }
-    EXPECT_EQ(frames, 42) << "0 to 4 s at 10 frames a second, plus the frame past the end";
+    EXPECT_EQ(frames, 40) << "0 to 4 s at 10 frames a second, the end excluded";
     expectColour(pixelAtScreen(load(folder / "frame000005.png"), 0, 0), 191, 64, 0,
                  "frame 5 shows 0.5 s");
-    EXPECT_NE(run.output.find("Duration : (0000004100)-[00:04:100]"), std::string::npos)
+    EXPECT_NE(run.output.find("Duration : (0000003900)-[00:03:900]\nRendered 40 frames in "),
+              std::string::npos)
         << run.output;
 }
 
@@ -229,7 +231,8 @@ TEST_F(TestCardRun, PackedResourcesPlayLikeTheFolder) {
               (std::set<std::string>{"resources/graphics/Check.png", "resources/shaders/colour.inc",
                                      "resources/shaders/copy.frag", "resources/shaders/copy.vert",
                                      "resources/shaders/flat.frag", "resources/shaders/flat.vert",
-                                     "resources/tracks/index.list", "resources/tracks/track.data"}))
+                                     "resources/sound/testcard.flac", "resources/tracks/index.list",
+                                     "resources/tracks/track.data"}))
         << listing.output;
     Outcome folderRun = runDemo(program, shot("00:02:900", "folder.png"));
     fs::rename(card / "resources", card / "moved-away");
@@ -241,4 +244,12 @@ TEST_F(TestCardRun, PackedResourcesPlayLikeTheFolder) {
     ASSERT_EQ(fromArchive.width, Width);
     EXPECT_EQ(fromFolder.rgb, fromArchive.rgb);
     expectColour(pixelAtScreen(fromArchive, 0, 0), 0, 0, 255, "the archive's effects drew");
+    // A video takes its music out of the archive.
+    const fs::path video = folder / "archive.mp4";
+    Outcome videoRun = runDemo(program, "--archive --end 00:00:500 --video " + video.string());
+    ASSERT_EQ(videoRun.status, 0) << videoRun.output;
+    EXPECT_EQ(
+        runCommand("ffprobe -v error -show_entries stream=codec_name -of csv=p=0 " + video.string())
+            .output,
+        "h264\naac\n");
 }

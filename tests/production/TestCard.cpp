@@ -59,6 +59,7 @@ void BackgroundEffect::draw(unsigned int time, unsigned int, FBO* target) {
 
 void BoxEffect::registerTracks() {
     addTrack("x", x);
+    addTrack("y", y);
     addTrack("red", red);
     addTrack("green", green);
     addTrack("blue", blue);
@@ -66,8 +67,9 @@ void BoxEffect::registerTracks() {
 
 void BoxEffect::draw(unsigned int time, unsigned int, FBO* target) {
     float left = x->getValue(time);
+    float middle = y->getValue(time);
     drawFlat(flat, target, red->getValue(time), green->getValue(time), blue->getValue(time), left,
-             left + 1.0f, -0.5f, 0.5f);
+             left + 1.0f, middle - 0.5f, middle + 0.5f);
 }
 
 void CompositeEffect::draw(unsigned int, unsigned int, FBO* target) {
@@ -87,6 +89,7 @@ void TestCardResources::DefineDemoParameters(ScreenMetrics* metrics) {
     ResourceDefinition::DefineDemoParameters(metrics);
     KVTDemosys::DemoStartTime.setTimeAsString("00:00:000");
     KVTDemosys::DemoEndTime.setTimeAsString("00:04:000");
+    SetMusic("testcard.flac");
     AddSection("red", "00:00:000");
     AddSection("green", "00:02:000");
 }

@@ -35,6 +35,7 @@ public:
 
     Shader* flat = nullptr;
     TrackInterpolate* x = nullptr;
+    TrackInterpolate* y = nullptr;
     TrackInterpolate* red = nullptr;
     TrackInterpolate* green = nullptr;
     TrackInterpolate* blue = nullptr;

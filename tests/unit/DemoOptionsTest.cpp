@@ -77,6 +77,12 @@ TEST(DemoOptions, RelativeOutputPathsResolveAgainstTheStartFolder) {
     ASSERT_TRUE(capture.ok) << capture.error;
     capture.options.resolvePaths("/home/viewer");
     EXPECT_EQ(capture.options.captureDir, "/home/viewer/frames/new");
+    Parsed video = parse({"--video", "demo.webm"});
+    ASSERT_TRUE(video.ok) << video.error;
+    EXPECT_TRUE(video.options.framesDriveClock());
+    EXPECT_DOUBLE_EQ(video.options.frameStepMs(), 1000.0 / 60);
+    video.options.resolvePaths("/home/viewer");
+    EXPECT_EQ(video.options.videoFile, "/home/viewer/demo.webm");
 }
 
 TEST(DemoOptions, InvalidValuesAreNamed) {
@@ -97,7 +103,12 @@ TEST(DemoOptions, InvalidValuesAreNamed) {
          "folder '/no/such/dir' for --shot does not exist"},
         {{"--capture", "", "--fps", "30"}, "invalid value '' for --capture"},
         {{"--fps", "0"}, "invalid value '0' for --fps"},
-        {{"--fps", "30"}, "--capture DIR and --fps N go together"},
+        {{"--fps", "30"}, "--fps N goes with --capture DIR or --video FILE"},
+        {{"--capture", "frames"}, "--capture DIR needs --fps N"},
+        {{"--video", "demo.avi"}, "invalid value 'demo.avi' for --video"},
+        {{"--video", "/no/such/dir/demo.mp4"}, "folder '/no/such/dir' for --video does not exist"},
+        {{"--video", "demo.mp4", "--size", "321x180"}, "even width and height, not 321x180"},
+        {{"--video", "demo.mp4", "--capture", "frames", "--fps", "30"}, "cannot be combined"},
         {{"--start", "01:00:000", "--end", "00:30:000"}, "--end must lie after --start"},
         {{"--benchmark", "--shot", "00:00:000=x.png"}, "cannot be combined"},
         {{"--aa"}, "option --aa needs a value"},
@@ -116,7 +127,7 @@ TEST(DemoOptions, UsageListsEveryOption) {
     for (const char* option :
          {"--help", "--version", "--no-launcher", "--size", "--windowed", "--fullscreen", "--vsync",
           "--aa", "--quality", "--archive", "--start", "--end", "--shot", "--capture", "--fps",
-          "--benchmark", "--pack"}) {
+          "--video", "--benchmark", "--pack"}) {
         EXPECT_NE(text.find(option), std::string::npos) << option;
     }
 }
