@@ -91,6 +91,15 @@ KVTGui::KVTGui(int w, int h, const char* title)
 
 KVTGui::~KVTGui() = default;
 
+// Keys no widget took arrive as shortcuts: the choices and buttons use only arrows and space.
+int KVTGui::handle(int event) {
+    if (event == FL_SHORTCUT && (Fl::event_key() == FL_Enter || Fl::event_key() == FL_KP_Enter)) {
+        Initiate_CB(this, nullptr);
+        return 1;
+    }
+    return Fl_Double_Window::handle(event);
+}
+
 void KVTGui::getScreenmodes() {
     SDL_Init(SDL_INIT_VIDEO);
     std::vector<ScreenMode> modes;
@@ -129,8 +138,9 @@ void KVTGui::addScreenModeChoice() {
         getScreenmodes();
     }
     Fl_Choice* choice = new Fl_Choice(125, 120, 200, 25, "Available resolutions:");
-    // The longest label: a smaller size keeps it inside the dialog's left edge.
-    choice->labelsize(11);
+    // The longest label would run past the dialog's left edge beside the choice: above it,
+    // it keeps the dialog's font and lines up with the widgets.
+    choice->align(FL_ALIGN_TOP_LEFT);
     for (const ScreenMode& mode : screenModes) {
         choice->add(modeLabel(mode).c_str(), 0, nullptr);
     }

@@ -23,6 +23,10 @@ public:
     KVTGui(int w, int h, const char* title);
     ~KVTGui() override;
 
+    // Enter (main or keypad) starts, wherever the focus is; Escape leaves, as the window's
+    // close control does.
+    int handle(int event) override;
+
     static int getScreenWidth() { return screenWidth; }
     static int getScreenHeight() { return screenHeight; }
     static int getAspectWidth() { return aspectWidth; }

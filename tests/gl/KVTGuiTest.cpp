@@ -223,6 +223,19 @@ TEST_F(Launcher, StartEndsTheDialogToWatch) {
     EXPECT_FALSE(gui->shown());
 }
 
+// Enter starts from wherever the focus is (the list of modes has it first); Escape leaves.
+TEST_F(Launcher, TheKeyboardStartsAndLeaves) {
+    for (int key : {FL_Enter, FL_KP_Enter, FL_Escape}) {
+        open({{1280, 720}});
+        child<Fl_Choice>(MODES)->take_focus();
+        Fl::e_keysym = key;
+        Fl::handle(FL_KEYBOARD, gui.get());
+        EXPECT_EQ(KVTGui::checkQuit(), key == FL_Escape) << key;
+        EXPECT_FALSE(gui->shown()) << key;
+        gui.reset();
+    }
+}
+
 TEST_F(Launcher, ExitEndsTheDialogToLeave) {
     open({{1280, 720}});
     EXPECT_TRUE(runUntilClosed(child<Fl_Button>(EXIT)));
