@@ -13,8 +13,11 @@
 
 #include <FL/Fl.H>
 
+#include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <memory>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -34,6 +37,44 @@ bool makeCaptureFolder(const DemoOptions& options) {
         return false;
     }
     std::cout << "Made the capture folder '" << options.captureDir << "'" << std::endl;
+    return true;
+}
+
+// What the production declares about its time line, read before anything opens: a scratch
+// copy of its resource list defines its parameters and is thrown away.
+struct TimeLine {
+    unsigned int endMs;
+    double tempo;
+};
+
+TimeLine productionTimeLine(const DemoMain::Production& production) {
+    std::unique_ptr<ResourceDefinition> scratch(production.makeResources());
+    ScreenMetrics metrics;
+    metrics.setFullscreenOverride(true);
+    scratch->DefineDemoParameters(&metrics);
+    return {KVTDemosys::DemoEndTime.getTicks(), scratch->getTempo()};
+}
+
+// mm:ss:ms, as the user writes times.
+std::string clockText(unsigned int ms) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%02u:%02u:%03u", ms / 60000, ms / 1000 % 60, ms % 1000);
+    return text;
+}
+
+// bar.beat times take the production's tempo; a shot past the end would never be drawn.
+bool settleTimes(DemoOptions& options, const TimeLine& timeLine, std::string& error) {
+    if (!options.resolveBarBeats(timeLine.tempo, error)) {
+        return false;
+    }
+    const unsigned int end = options.hasEnd ? options.endMs : timeLine.endMs;
+    for (const DemoOptions::Shot& shot : options.shots) {
+        if (shot.timeMs > end) {
+            error =
+                "the shot at " + clockText(shot.timeMs) + " lies past the end " + clockText(end);
+            return false;
+        }
+    }
     return true;
 }
 
@@ -69,6 +110,15 @@ void chooseFromOptions(const DemoOptions& options, ScreenMetrics& metrics) {
     metrics.setFSAASamples(options.antialiasing);
     metrics.setQuality(options.quality);
     metrics.setVSync(options.vsync && !options.benchmark);
+}
+
+// A loader message over several lines, as one.
+std::string oneLine(std::string text) {
+    while (!text.empty() && text.back() == '\n') {
+        text.pop_back();
+    }
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
 }
 
 // The production's parts into the registry, where loading finds them.
@@ -128,11 +178,17 @@ int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metri
     demo.run();
     demo.dispose();
     removeProduction();
+    if (!demo.isValid()) {
+        // Said last, so that it is what the user reads; a plain run keeps its status 0.
+        std::cerr << options.program << ": loading failed: " << oneLine(demo.getMessage())
+                  << std::endl;
+        return argc > 1 ? 1 : 0;
+    }
     if (!options.framesDriveClock()) {
         return 0;
     }
     bool written = offline.finish();
-    return loaded && demo.isValid() && written ? 0 : 1;
+    return loaded && written ? 0 : 1;
 }
 
 } // namespace
@@ -155,6 +211,10 @@ int DemoMain::run(int argc, char** argv, const Production& production) {
         return 0;
     }
     options.resolvePaths(fs::current_path().string());
+    if (!settleTimes(options, productionTimeLine(production), error)) {
+        std::cerr << options.program << ": " << error << std::endl;
+        return 2;
+    }
     if (options.capture() && !makeCaptureFolder(options)) {
         return 2;
     }

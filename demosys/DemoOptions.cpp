@@ -3,9 +3,12 @@
 #include "File.h"
 #include "KVTTime.h"
 #include "StringUtils.h"
+#include "TrackSystem.h"
 #include "VideoEncoder.h"
 
 #include <algorithm>
+#include <cmath>
+#include <tuple>
 
 namespace {
 
@@ -24,13 +27,52 @@ bool readWhole(const std::string& text, int least, int most, int& out) {
     return out >= least && out <= most;
 }
 
+// The clock counts milliseconds in 32 bits: a longer time would wrap around.
+bool fitsTheClock(const std::string& text) {
+    long long ms = 0;
+    size_t from = 0;
+    for (long long unit : {60000LL, 1000LL, 1LL}) {
+        const size_t colon = std::min(text.find(':', from), text.size());
+        const std::string field = text.substr(from, colon - from);
+        if (field.empty() || field.size() > 9 || !StringUtils::isInt(field)) {
+            return false;
+        }
+        ms += std::stoll(field) * unit;
+        from = colon + 1;
+    }
+    return ms <= 0xFFFFFFFFLL;
+}
+
 // A time written mm:ss:ms with three whole fields.
 bool readTime(const std::string& text, unsigned int& out) {
     KVTTime time(text);
-    if (!time.isValid() || text.find('-') != std::string::npos) {
+    if (!time.isValid() || text.find('-') != std::string::npos || !fitsTheClock(text)) {
         return false;
     }
     out = time.getTicks();
+    return true;
+}
+
+// A row of the sync tracks, a whole number at their fixed rows a second.
+bool readRow(const std::string& text, unsigned int& out) {
+    int row = 0;
+    if (!readWhole(text, 0, 999999, row)) {
+        return false;
+    }
+    out = static_cast<unsigned int>(row * 1000LL / TrackSystem::DefaultRowRate);
+    return true;
+}
+
+// bar.beat as the sync text writes it: bars from 1, beats 1 to 4; beats counts from 0.
+bool readBarBeat(const std::string& text, long& beats) {
+    const size_t dot = text.find('.');
+    int bar = 0;
+    int beat = 0;
+    if (dot == std::string::npos || !readWhole(text.substr(0, dot), 1, 99999, bar) ||
+        !readWhole(text.substr(dot + 1), 1, 4, beat)) {
+        return false;
+    }
+    beats = (bar - 1) * 4L + beat - 1;
     return true;
 }
 
@@ -59,8 +101,10 @@ std::string DemoOptions::usage(const std::string& program) {
            "  --aa N                antialiasing samples: 0, 2, 4, 6 or 8 (default 0)\n"
            "  --quality N           0 low, 1 medium, 2 high, 3 ultra (default 2)\n"
            "  --archive             read resources from resources.7z instead of the folder\n"
-           "  --start mm:ss:ms      play from this time\n"
-           "  --end mm:ss:ms        stop after this time\n"
+           "  --start TIME          play from this time: mm:ss:ms, a sync row (20 a second)\n"
+           "                        or bar.beat at the music's tempo (1.1 is the start)\n"
+           "  --end TIME            stop after this time (the same forms); a capture or a\n"
+           "                        video holds the frames from start up to, not at, the end\n"
            "  --shot mm:ss:ms=FILE.png\n"
            "                        render the frame at that time to a PNG (repeatable), quit\n"
            "  --capture DIR --fps N render every frame at N frames a second into DIR as PNGs\n"
@@ -166,11 +210,15 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
             return invalid("0, 1, 2 or 3");
         }
     } else if (name == "--start" || name == "--end") {
-        unsigned int& target = name == "--start" ? startMs : endMs;
-        if (!readTime(text, target)) {
-            return invalid("a time mm:ss:ms, like 01:04:000");
+        const bool start = name == "--start";
+        long beats = 0;
+        if (readBarBeat(text, beats)) {
+            (start ? startBarBeat : endBarBeat) = text;
+        } else if (!readTime(text, start ? startMs : endMs) &&
+                   !readRow(text, start ? startMs : endMs)) {
+            return invalid("mm:ss:ms, a row or bar.beat, like 01:04:000, 1280 or 33.1");
         }
-        (name == "--start" ? hasStart : hasEnd) = true;
+        (start ? hasStart : hasEnd) = true;
     } else if (name == "--shot") {
         size_t equals = text.find('=');
         Shot shot{0, equals == std::string::npos ? "" : text.substr(equals + 1)};
@@ -208,6 +256,34 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
     return true;
 }
 
+bool DemoOptions::resolveBarBeats(double beatsPerMinute, std::string& error) {
+    for (auto [text, target, name] : {std::tuple{&startBarBeat, &startMs, "--start"},
+                                      std::tuple{&endBarBeat, &endMs, "--end"}}) {
+        long beats = 0;
+        if (text->empty() || !readBarBeat(*text, beats)) {
+            continue;
+        }
+        if (beatsPerMinute <= 0.0) {
+            error = std::string(name) + " " + *text +
+                    " is bar.beat, but the production gives "
+                    "no tempo: use mm:ss:ms or a row";
+            return false;
+        }
+        *target = static_cast<unsigned int>(std::llround(beats * 60000.0 / beatsPerMinute));
+        text->clear();
+    }
+    return checkInterval(error);
+}
+
+bool DemoOptions::checkInterval(std::string& error) const {
+    const bool known = startBarBeat.empty() && endBarBeat.empty();
+    if (known && hasStart && hasEnd && endMs <= startMs) {
+        error = "--end must lie after --start";
+        return false;
+    }
+    return true;
+}
+
 bool DemoOptions::checkCombination(std::string& error) const {
     if (capture() && fps == 0) {
         error = "--capture DIR needs --fps N";
@@ -223,8 +299,7 @@ bool DemoOptions::checkCombination(std::string& error) const {
                 std::to_string(height);
         return false;
     }
-    if (hasStart && hasEnd && endMs <= startMs) {
-        error = "--end must lie after --start";
+    if (!checkInterval(error)) {
         return false;
     }
     int offlineModes =

@@ -18,6 +18,9 @@ public:
     static std::string usage(const std::string& program);
     // Makes relative output paths (shots, capture folder) absolute against startFolder.
     void resolvePaths(const std::string& startFolder);
+    // Turns --start and --end given as bar.beat into times at the production's tempo (beats
+    // a minute; 0 when it has none); false with a message when they cannot be.
+    bool resolveBarBeats(double beatsPerMinute, std::string& error);
 
     // The launcher is skipped with --no-launcher and by every offline mode.
     bool showLauncher() const;
@@ -53,7 +56,12 @@ public:
     std::vector<Shot> shots;
 
 private:
+    // --start or --end as the user wrote them in bar.beat, until the tempo is known.
+    std::string startBarBeat;
+    std::string endBarBeat;
+
     bool parseOption(const std::string& name, const std::string* value, bool& usedValue,
                      std::string& error);
     bool checkCombination(std::string& error) const;
+    bool checkInterval(std::string& error) const;
 };

@@ -42,6 +42,10 @@ public:
     };
     void AddSection(std::string name, std::string startTime);
     const std::vector<Section>& getSections() const { return sections; }
+    // The music's tempo in beats a minute (4 beats a bar), for times given as bar.beat;
+    // 0 when the production declares none.
+    void SetTempo(double beatsPerMinute) { tempo = beatsPerMinute; }
+    double getTempo() const { return tempo; }
     void AddTexture(ResourceInfo::TextureInfo info);
     void AddShader(ResourceInfo::ShaderInfo info);
     void AddScene(ResourceInfo::SceneInfo info);
@@ -69,4 +73,5 @@ public:
 private:
     std::vector<std::string> requiredExtensions;
     std::vector<Section> sections;
+    double tempo = 0.0;
 };

@@ -136,6 +136,7 @@ void BrinovaResources::DefineDemoParameters(ScreenMetrics* metrics) {
     metrics->setFar(200.0f);
     KVTDemosys::DemoStartTime.setTimeAsString("00:00:00");
     KVTDemosys::DemoEndTime.setTimeAsString("02:30:850");
+    SetTempo(120.0);
     AddSection("intro", "00:00:000");
     AddSection("beat", "00:16:000");
     AddSection("break", "00:48:000");

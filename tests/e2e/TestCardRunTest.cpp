@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -141,6 +142,18 @@ TEST_F(TestCardRun, InvalidOptionsStopBeforeAnythingStarts) {
     EXPECT_NE(run.output.find("invalid value '12' for --size"), std::string::npos) << run.output;
     EXPECT_EQ(run.output.find("[Creating DataPools]"), std::string::npos);
     EXPECT_EQ(runCommand(std::string(TESTCARD_DEMO) + " --version").status, 0);
+    // The end is the production's unless --end moves it; bar.beat follows its tempo.
+    for (const std::string& late :
+         {std::string("--shot 00:05:000=x.png"), std::string("--end 1.2 --shot 00:00:600=x.png")}) {
+        Outcome past = runDemo(TESTCARD_DEMO, late);
+        EXPECT_EQ(past.status, 2) << late;
+        EXPECT_NE(past.output.find(late[2] == 's'
+                                       ? "the shot at 00:05:000 lies past the end 00:04:000"
+                                       : "the shot at 00:00:600 lies past the end 00:00:500"),
+                  std::string::npos)
+            << past.output;
+        EXPECT_EQ(past.output.find("[Creating DataPools]"), std::string::npos);
+    }
 }
 
 // Output paths the user types are relative to where they stand, not to the program's folder;
@@ -193,7 +206,14 @@ TEST_F(TestCardRun, LoaderFailuresAreReportedAtShutdown) {
         EXPECT_NE(run.output.find("Message from resourceloader\n" + damage.message, shutdown),
                   std::string::npos)
             << run.output;
-        EXPECT_NE(run.output.find("[Application End]"), std::string::npos);
+        // The failure is the last thing said, on one line.
+        std::string said = damage.message;
+        std::replace(said.begin(), said.end(), '\n', ' ');
+        const std::string output = run.output.substr(0, run.output.size() - 1);
+        EXPECT_EQ(output.substr(output.rfind('\n') + 1)
+                      .rfind("testcard_demo: loading failed: " + said, 0),
+                  0u)
+            << run.output;
         fs::remove_all(folder / "card");
     }
 }

@@ -90,6 +90,7 @@ void TestCardResources::DefineDemoParameters(ScreenMetrics* metrics) {
     KVTDemosys::DemoStartTime.setTimeAsString("00:00:000");
     KVTDemosys::DemoEndTime.setTimeAsString("00:04:000");
     SetMusic("testcard.flac");
+    SetTempo(120.0);
     AddSection("red", "00:00:000");
     AddSection("green", "00:02:000");
 }

@@ -47,6 +47,25 @@ TEST(DemoOptions, ScreenChoiceWithoutTheDialog) {
     EXPECT_EQ(o.endMs, 96000u);
 }
 
+// Times as the sync text writes them: rows at 20 a second, bar.beat at the music's tempo.
+TEST(DemoOptions, StartAndEndTakeRowsAndBarBeats) {
+    Parsed rows = parse({"--start", "640", "--end", "49.1"});
+    ASSERT_TRUE(rows.ok) << rows.error;
+    EXPECT_EQ(rows.options.startMs, 32000u);
+    std::string error;
+    ASSERT_TRUE(rows.options.resolveBarBeats(120.0, error)) << error;
+    EXPECT_EQ(rows.options.endMs, 96000u) << "bar 49 starts after 48 bars of 2 s";
+
+    Parsed reversed = parse({"--start", "33.1", "--end", "00:30:000"});
+    ASSERT_TRUE(reversed.ok) << reversed.error;
+    EXPECT_FALSE(reversed.options.resolveBarBeats(120.0, error));
+    EXPECT_EQ(error, "--end must lie after --start");
+    Parsed noTempo = parse({"--start", "9.3"});
+    EXPECT_FALSE(noTempo.options.resolveBarBeats(0.0, error));
+    EXPECT_NE(error.find("--start 9.3 is bar.beat, but the production gives no tempo"),
+              std::string::npos);
+}
+
 TEST(DemoOptions, OfflineModesSkipTheLauncherAndUseTheFrameClock) {
     std::string dir = ::testing::TempDir();
     Parsed shots =
@@ -95,6 +114,9 @@ TEST(DemoOptions, InvalidValuesAreNamed) {
         {{"--quality", "4"}, "invalid value '4' for --quality: expected 0, 1, 2 or 3"},
         {{"--quality", "-1"}, "invalid value '-1' for --quality"},
         {{"--start", "1:2"}, "invalid value '1:2' for --start"},
+        {{"--start", "0.1"}, "invalid value '0.1' for --start"},
+        {{"--end", "3.5"}, "invalid value '3.5' for --end"},
+        {{"--shot", "71583:00:000=x.png"}, "invalid value '71583:00:000=x.png' for --shot"},
         {{"--end", "00:-1:00"}, "invalid value '00:-1:00' for --end"},
         {{"--shot", "00:01:000"},
          "invalid value '00:01:000' for --shot: expected mm:ss:ms=FILE.png"},
