@@ -178,7 +178,7 @@ int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metri
     demo.run();
     demo.dispose();
     removeProduction();
-    if (!demo.isValid()) {
+    if (!loaded) {
         // Said last, so that it is what the user reads; a plain run keeps its status 0.
         std::cerr << options.program << ": loading failed: " << oneLine(demo.getMessage())
                   << std::endl;
@@ -187,8 +187,7 @@ int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metri
     if (!options.framesDriveClock()) {
         return 0;
     }
-    bool written = offline.finish();
-    return loaded && written ? 0 : 1;
+    return offline.finish() ? 0 : 1;
 }
 
 } // namespace

@@ -348,6 +348,11 @@ bool ResourceLoader::createTrackData() {
     TrackSystemIO io(KVTIO::TrackPath);
     KVTDemosys::tracks = io.loadPack(names, effects);
     KVTDemosys::tracks->setRowRate(TrackSystem::DefaultRowRate);
+    if (io.packUnreadable()) {
+        // Every track is an empty dummy: the demo would show nothing.
+        initEffects();
+        return fail(io.getErrors().front());
+    }
     bool startStopValid = KVTDemosys::tracks->validateStartStopTracks();
     bool interpolateValid = KVTDemosys::tracks->validateInterpolateTracks();
     if (!startStopValid || !interpolateValid) {

@@ -57,8 +57,14 @@ std::vector<std::pair<std::string, int>> TrackSystemIO::readIndex(File* index) {
         return entries;
     }
     int count = index->readInt();
-    if (count >= 1 && !countFits(count, index, MinIndexEntryBytes)) {
+    if (index->overrun() || count < 0) {
+        reportCorrupt(index, "the index", "has no valid entry count");
+        unreadablePack = true;
+        return entries;
+    }
+    if (!countFits(count, index, MinIndexEntryBytes)) {
         reportCorrupt(index, "the index", "lists more entries than the file holds");
+        unreadablePack = true;
         return entries;
     }
     for (int i = 0; i < count; ++i) {
@@ -66,6 +72,7 @@ std::vector<std::pair<std::string, int>> TrackSystemIO::readIndex(File* index) {
         int offset = index->readInt();
         if (index->overrun()) {
             reportCorrupt(index, "the index", "ends inside an entry");
+            unreadablePack = true;
             return {};
         }
         entries.emplace_back(std::move(key), offset);
@@ -77,7 +84,21 @@ TrackSystem* TrackSystemIO::loadPack(std::vector<std::string>& names,
                                      std::vector<Effect*>& effects) {
     std::unique_ptr<File> index(KVTIO::loadFile(basePath + "index.list"));
     std::unique_ptr<File> data(KVTIO::loadFile(basePath + "track.data"));
-    return loadPack(index.get(), data.get(), names, effects);
+    const bool indexMissing = reportIfMissing(index.get(), basePath + "index.list");
+    const bool dataMissing = reportIfMissing(data.get(), basePath + "track.data");
+    TrackSystem* system = loadPack(index.get(), data.get(), names, effects);
+    unreadablePack = unreadablePack || indexMissing || dataMissing;
+    return system;
+}
+
+bool TrackSystemIO::reportIfMissing(const File* file, const std::string& path) {
+    if (file != nullptr && file->exists()) {
+        return false;
+    }
+    const std::string line = "Track file '" + path + "' is missing";
+    std::cout << line << std::endl;
+    errors.push_back(line);
+    return true;
 }
 
 TrackSystem* TrackSystemIO::loadPack(File* index, File* data, std::vector<std::string>& names,

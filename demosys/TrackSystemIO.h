@@ -50,6 +50,9 @@ public:
     void setKeepTargetNames(bool flag) { keepTargetNames = flag; }
     // Corrupt records met so far, one line each naming the file and the record.
     const std::vector<std::string>& getErrors() const { return errors; }
+    // True when a pack's index or data file was missing or its index unreadable: every
+    // track is then an empty dummy and nothing would play.
+    bool packUnreadable() const { return unreadablePack; }
 
 private:
     // Finds the record stored under a loose file name ("group.track", "group.name.track")
@@ -63,10 +66,12 @@ private:
     bool writeStartStopRecord(const std::string& path, TrackStartStop* track);
     bool writeInterpolateRecord(const std::string& path, TrackInterpolate* track);
     void reportCorrupt(const File* source, const std::string& record, const std::string& why);
+    bool reportIfMissing(const File* file, const std::string& path);
     static FBO* findRenderTarget(const std::string& name);
 
     std::string basePath;
     bool verbose = false;
     bool keepTargetNames = false;
     std::vector<std::string> errors;
+    bool unreadablePack = false;
 };

@@ -189,16 +189,27 @@ TEST_F(TestCardRun, LoaderFailuresAreReportedAtShutdown) {
     struct Damage {
         std::string file;
         std::string message;
+        // Written over the file; the file is removed when empty.
+        std::string bytes;
     };
     const std::vector<Damage> cases = {
-        {"resources/shaders/flat.frag", "Fragement shader 'flat.frag' not found"},
-        {"resources/shaders/colour.inc", "Failed to include '#include colour.inc'"},
+        {"resources/shaders/flat.frag", "Fragement shader 'flat.frag' not found", ""},
+        {"resources/shaders/colour.inc", "Failed to include '#include colour.inc'", ""},
         {"resources/graphics/Check.png",
-         "Failed to load texture!\nFile : 'resources/graphics/Check.png'"},
+         "Failed to load texture!\nFile : 'resources/graphics/Check.png'", ""},
+        {"resources/tracks/index.list", "Track file 'resources/tracks/index.list' is missing", ""},
+        {"resources/tracks/track.data", "Track file 'resources/tracks/track.data' is missing", ""},
+        {"resources/tracks/index.list",
+         "Track file 'resources/tracks/index.list' is corrupt: the index has no valid entry count",
+         std::string("\xfb\xff\xff\xff", 4)},
     };
     for (const Damage& damage : cases) {
         std::string program = copyOfTestCard();
-        fs::remove(fs::path(program).parent_path() / damage.file);
+        const fs::path damaged = fs::path(program).parent_path() / damage.file;
+        fs::remove(damaged);
+        if (!damage.bytes.empty()) {
+            std::ofstream(damaged, std::ios::binary) << damage.bytes;
+        }
         Outcome run = runDemo(program, shot("00:00:500", "x.png"));
         EXPECT_EQ(run.status, 1) << damage.file;
         size_t shutdown = run.output.find("[Shutting Down]");

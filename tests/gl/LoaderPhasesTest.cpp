@@ -68,6 +68,9 @@ protected:
         testpictures::writeFile(
             folder + "resources/graphics/Shared.png",
             testpictures::encodePng(2, 2, 3, std::vector<unsigned char>(12, 200)));
+        // A track pack with no records: every track is an empty dummy.
+        testpictures::writeFile(folder + "resources/tracks/index.list", std::string(4, '\0'));
+        testpictures::writeFile(folder + "resources/tracks/track.data", std::string());
         std::filesystem::current_path(folder);
         gltest::clearDeclarations();
         bar = new CountingProgressBar;

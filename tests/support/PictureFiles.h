@@ -4,6 +4,7 @@
 #include <stb_image_write.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -23,10 +24,24 @@ inline std::vector<unsigned char> encodePng(int width, int height, int channels,
     return png;
 }
 
-// A new empty folder under the system's temporary folder, with a trailing "/".
+// Removes the folders freshFolder made when the test program ends.
+struct FolderSweeper {
+    std::vector<std::string> folders;
+    ~FolderSweeper() {
+        for (const std::string& folder : folders) {
+            std::error_code ignored;
+            std::filesystem::remove_all(folder, ignored);
+        }
+    }
+};
+
+// A new empty folder under the system's temporary folder, with a trailing "/"; it is removed
+// when the test program ends.
 inline std::string freshFolder() {
+    static FolderSweeper sweeper;
     std::string pattern = "/tmp/brinova-test-XXXXXX";
-    return std::string(mkdtemp(pattern.data())) + "/";
+    sweeper.folders.push_back(mkdtemp(pattern.data()));
+    return sweeper.folders.back() + "/";
 }
 
 inline void writeFile(const std::string& path, const std::vector<unsigned char>& bytes) {
