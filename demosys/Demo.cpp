@@ -35,6 +35,9 @@ bool Demo::load(ScreenMetrics* metrics, int resourceMode) {
     KVT_ASSERT_AT(KVTDemosys::resources != NULL, "demosys/Demo", "load", 37);
     KVTIO::init(resourceMode);
     loader = new ResourceLoader;
+    if (!KVTIO::archiveError().empty()) {
+        return fail("Cannot open the resource archive: " + KVTIO::archiveError());
+    }
     loader->useFrameClock(frameStepMs);
     loader->createDataPools();
     if (!loader->initScreen(metrics, title)) {

@@ -14,6 +14,7 @@
 #include <iostream>
 
 int KVTIO::ResourceType = KVTIO::KVT_RESOURCES_FLAT;
+std::string KVTIO::openingError;
 bool KVTIO::debug = false;
 
 const std::string KVTIO::ScenePath = "resources/objects/";
@@ -30,8 +31,9 @@ const char* const ARCHIVE_NAME = "resources.7z";
 
 void KVTIO::init(int type) {
     ResourceType = type;
-    if (type == KVT_RESOURCES_7Z) {
-        arc_load(ARCHIVE_NAME);
+    openingError.clear();
+    if (type == KVT_RESOURCES_7Z && !arc_load(ARCHIVE_NAME)) {
+        openingError = arc_getError();
     }
     debug = false;
 }

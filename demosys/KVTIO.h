@@ -9,6 +9,9 @@ class Texture;
 // The front door to resource files: loose files under the resource folders, or entries of
 // the resource archive. Every loader takes a full relative path (folder constant + name).
 class KVTIO {
+private:
+    static std::string openingError;
+
 public:
     static constexpr int KVT_RESOURCES_FLAT = 0;
     static constexpr int KVT_RESOURCES_7Z = 1;
@@ -25,9 +28,11 @@ public:
     static const std::string VideoPath;
     static const std::string TrackPath;
 
-    // Archive mode opens "resources.7z"; a missing or damaged archive is not reported here
-    // but shows as resources that do not exist.
+    // Archive mode opens "resources.7z"; a missing or damaged archive shows as resources
+    // that do not exist, and archiveError() says why it could not be opened.
     static void init(int type);
+    // Empty unless the archive failed to open at the last init.
+    static const std::string& archiveError() { return openingError; }
     // Closes the archive in archive mode.
     static void destroy();
 

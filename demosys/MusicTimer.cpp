@@ -83,7 +83,8 @@ bool MusicTimer::loadSound() {
     }
     if (!decoded) {
         fail("Failed to create sound sysmte sound! Error code: " + std::to_string(result),
-             "Sound Init : Failed to load soundfile!");
+             "Sound Init : Failed to load soundfile!\nThe decoder cannot read it: " +
+                 sound->getError());
         std::cout << "Sound : " << sound->getError() << std::endl;
     }
     return decoded;

@@ -384,8 +384,10 @@ bool ResourceLoader::loadSound() {
         KVTDemosys::timer = new MusicTimer(KVTIO::SoundPath + KVTDemosys::MusicFile, rowRate);
     }
     if (!KVTDemosys::timer->init()) {
+        // The clock's own message says why, after the loader's.
+        const std::string why = KVTDemosys::timer->getMessage();
         return fail("Failed to load sound!\nFile : '" + KVTIO::SoundPath + KVTDemosys::MusicFile +
-                    "'");
+                    "'" + (why.empty() ? "" : "\n" + why));
     }
     tickProgress();
     return true;

@@ -6,6 +6,7 @@
 #include <GL/glew.h>
 
 #include <algorithm>
+#include <iostream>
 
 namespace {
 
@@ -26,6 +27,16 @@ int stepsPerStage(int ticks) {
     return std::max(1, static_cast<int>(ticks / 7.0));
 }
 
+// The loading screen is drawn without a picture that is missing or damaged, and says so.
+Texture* loadPicture(const char* file) {
+    Texture* picture = KVTIO::loadTexture(file, GL_TEXTURE_2D, false);
+    if (picture == nullptr) {
+        std::cout << "Loading screen : the picture '" << file
+                  << "' is missing or damaged; the loading screen goes without it" << std::endl;
+    }
+    return picture;
+}
+
 } // namespace
 
 BrinovaProgressBar::~BrinovaProgressBar() {
@@ -34,8 +45,8 @@ BrinovaProgressBar::~BrinovaProgressBar() {
 }
 
 void BrinovaProgressBar::loadData() {
-    background = KVTIO::loadTexture(BACKGROUND_FILE, GL_TEXTURE_2D, false);
-    overlay = KVTIO::loadTexture(OVERLAY_FILE, GL_TEXTURE_2D, false);
+    background = loadPicture(BACKGROUND_FILE);
+    overlay = loadPicture(OVERLAY_FILE);
     resources.push_back(BACKGROUND_FILE);
     resources.push_back(OVERLAY_FILE);
 }

@@ -4,6 +4,7 @@
 #include "Image.h"
 #include "packman.h"
 
+#include <iostream>
 #include <memory>
 #include <new>
 #include <vector>
@@ -18,13 +19,22 @@ Extraction extractEntry(const std::string& name, std::vector<unsigned char>& byt
         return Extraction::MISSING;
     }
     bytes.resize(static_cast<std::size_t>(size));
-    return packman_getFile(name.c_str(), bytes.data()) == 0 ? Extraction::DONE : Extraction::FAILED;
+    if (packman_getFile(name.c_str(), bytes.data()) != 0) {
+        // The loader then reports the resource as missing: say first why it is.
+        std::cout << "Archive : " << packman_getError() << std::endl;
+        return Extraction::FAILED;
+    }
+    return Extraction::DONE;
 }
 
 } // namespace
 
 bool arc_load(std::string path) {
     return packman_init(path.c_str()) == 0;
+}
+
+std::string arc_getError() {
+    return packman_getError();
 }
 
 void arc_close() {

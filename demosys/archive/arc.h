@@ -10,6 +10,8 @@ class Image;
 
 bool arc_load(std::string path);
 void arc_close();
+// Why arc_load or the last extraction failed, naming the archive and the entry.
+std::string arc_getError();
 // Fills the file from the entry of its name. A missing entry clears its exists flag; an
 // entry that cannot be decoded leaves the flag as it was. True on success.
 bool arc_getFile(File* file);

@@ -32,6 +32,8 @@ struct OpenArchive {
 OpenArchive current;
 // Size of the entry last looked up, -1 when it was not found.
 int fileSize = -1;
+// Why the archive could not be opened or the last entry could not be decoded.
+std::string lastError;
 
 const std::size_t READ_BLOCK_SIZE = 64 * 1024;
 
@@ -109,20 +111,31 @@ bool readEntryData(struct archive* reader, unsigned char* dest, std::int64_t siz
 
 bool extract(int index, unsigned char* dest) {
     const Reader reader = openReader(current.path);
-    return reader != nullptr && skipTo(reader.get(), index) &&
-           readEntryData(reader.get(), dest, current.entries[index].size);
+    if (reader != nullptr && skipTo(reader.get(), index) &&
+        readEntryData(reader.get(), dest, current.entries[index].size)) {
+        return true;
+    }
+    const char* why = reader != nullptr ? archive_error_string(reader.get()) : nullptr;
+    lastError = "entry '" + current.entries[index].name + "' of '" + current.path +
+                "' is damaged: " + (why != nullptr ? why : "it cannot be decoded");
+    return false;
 }
 
 } // namespace
 
 int packman_init(const char* path) {
     packman_shutdown();
+    const std::string named = std::string("'") + path + "'";
     if (!SevenZipCoders::allTrusted(path)) {
+        lastError = named + " is missing, damaged, not a 7z archive, or packed with a coder "
+                            "this reader does not trust";
         return 1;
     }
     const Reader reader = openReader(path);
     std::vector<Entry> entries;
     if (reader == nullptr || !readEntryTable(reader.get(), entries)) {
+        const char* why = reader != nullptr ? archive_error_string(reader.get()) : nullptr;
+        lastError = named + " is damaged: " + (why != nullptr ? why : "its entries cannot be read");
         return 1;
     }
     current.path = path;
@@ -150,4 +163,9 @@ int packman_getFile(const char* name, unsigned char* dest) {
 void packman_shutdown() {
     current = OpenArchive();
     fileSize = -1;
+    lastError.clear();
+}
+
+const char* packman_getError() {
+    return lastError.c_str();
 }

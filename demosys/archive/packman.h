@@ -17,3 +17,5 @@ int packman_getFileSize(const char* name);
 // 0 on success, 1 when there is no such entry or it cannot be decoded.
 int packman_getFile(const char* name, unsigned char* dest);
 void packman_shutdown();
+// Why packman_init or the last packman_getFile failed, naming the archive and the entry.
+const char* packman_getError();

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -283,4 +284,25 @@ TEST_F(TestCardRun, PackedResourcesPlayLikeTheFolder) {
         runCommand("ffprobe -v error -show_entries stream=codec_name -of csv=p=0 " + video.string())
             .output,
         "h264\naac\n");
+
+    // A damaged entry (the music's bytes stored as they are, so a flip cannot be undone by
+    // the coder) and an archive that is not one are named, and fail the load.
+    std::string archive;
+    {
+        std::ifstream in(card / "resources.7z", std::ios::binary);
+        archive.assign(std::istreambuf_iterator<char>(in), {});
+    }
+    for (const auto& [bytes, expected] :
+         {std::pair{archive, std::string("entry 'resources/sound/testcard.flac' of "
+                                         "'resources.7z' is damaged: 7-Zip bad CRC")},
+          std::pair{std::string(4096, 'x'),
+                    std::string("Cannot open the resource archive: 'resources.7z' is missing, "
+                                "damaged, not a 7z archive")}}) {
+        std::string damaged = bytes;
+        damaged[damaged.size() / 2] ^= 0x10;
+        std::ofstream(card / "resources.7z", std::ios::binary) << damaged;
+        Outcome broken = runDemo(program, "--archive --end 00:00:300");
+        EXPECT_EQ(broken.status, 1) << broken.output;
+        EXPECT_NE(broken.output.find(expected), std::string::npos) << broken.output;
+    }
 }

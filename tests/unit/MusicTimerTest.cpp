@@ -252,7 +252,12 @@ TEST_F(MusicTimerTest, MissingOrUndecodableFilesFailWithTheFileNamed) {
         testing::internal::CaptureStdout();
         EXPECT_FALSE(timer.init());
         const std::string printed = testing::internal::GetCapturedStdout();
-        EXPECT_EQ(timer.getMessage(), "Sound Init : Failed to load soundfile!");
+        EXPECT_EQ(timer.getMessage().rfind("Sound Init : Failed to load soundfile!\n"
+                                           "The decoder cannot read it: '" +
+                                               path + "'",
+                                           0),
+                  0u)
+            << timer.getMessage();
         EXPECT_NE(printed.find("Failed to create sound sysmte sound! Error code: 0"),
                   std::string::npos);
         EXPECT_NE(printed.find(path), std::string::npos) << printed;
