@@ -16,7 +16,32 @@
 #include <GL/glew.h>
 #include <SDL.h>
 
+#include <algorithm>
 #include <iostream>
+
+namespace {
+
+// A screen larger than the driver can draw into, or than its framebuffers can be, would only
+// fail later, after taking memory for pictures it cannot show.
+bool screenFitsDriver(const ScreenMetrics& metrics, std::string& error) {
+    GLint viewport[2] = {0, 0};
+    glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport);
+    GLint renderbuffer = 0;
+    if (GLEW_EXT_framebuffer_object) {
+        glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE_EXT, &renderbuffer);
+    }
+    const int widest = renderbuffer > 0 ? std::min(viewport[0], renderbuffer) : viewport[0];
+    const int tallest = renderbuffer > 0 ? std::min(viewport[1], renderbuffer) : viewport[1];
+    if (metrics.getWidth() <= widest && metrics.getHeight() <= tallest) {
+        return true;
+    }
+    error = "The screen size " + std::to_string(metrics.getWidth()) + "x" +
+            std::to_string(metrics.getHeight()) + " is larger than this driver allows: at most " +
+            std::to_string(widest) + "x" + std::to_string(tallest);
+    return false;
+}
+
+} // namespace
 
 Demo::Demo(int, char**) {}
 
@@ -38,7 +63,7 @@ bool Demo::load(ScreenMetrics* metrics, int resourceMode) {
     if (!KVTIO::archiveError().empty()) {
         return fail("Cannot open the resource archive: " + KVTIO::archiveError());
     }
-    loader->useFrameClock(frameStepMs);
+    loader->useFrameClock(frameStepMs, decodeMusicOffline);
     loader->createDataPools();
     if (!loader->initScreen(metrics, title)) {
         return fail(loader->getErrorMessage());
@@ -53,6 +78,10 @@ bool Demo::load(ScreenMetrics* metrics, int resourceMode) {
         return fail("No OpenGL 2.0 support found!");
     }
     std::cout << "GLSL version : " << glGetString(GL_SHADING_LANGUAGE_VERSION) << std::endl;
+    std::string tooLarge;
+    if (!screenFitsDriver(*metrics, tooLarge)) {
+        return fail(tooLarge);
+    }
     if (!loader->loadDataFiles() || !loader->createEffectObjects()) {
         return fail(loader->getErrorMessage());
     }

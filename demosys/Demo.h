@@ -32,8 +32,12 @@ public:
     void debug(bool flag) { debugMode = flag; }
     void setWindowTitle(std::string text) { title = std::move(text); }
     std::string getMessage() const { return message; }
-    // Offline rendering: the clock counts frames of stepMs milliseconds and no music plays.
-    void useFrameClock(double stepMs) { frameStepMs = stepMs; }
+    // Offline rendering: the clock counts frames of stepMs milliseconds and no music plays;
+    // with decodeMusic the music is decoded all the same (a benchmark times the load).
+    void useFrameClock(double stepMs, bool decodeMusic = false) {
+        frameStepMs = stepMs;
+        decodeMusicOffline = decodeMusic;
+    }
     // Not owned; may be null.
     void setFrameListener(FrameListener* listener) { frameListener = listener; }
 
@@ -49,4 +53,5 @@ private:
     bool debugMode = false;
     FrameListener* frameListener = nullptr;
     double frameStepMs = 0.0;
+    bool decodeMusicOffline = false;
 };

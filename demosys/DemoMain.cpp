@@ -163,7 +163,7 @@ int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metri
     installProduction(production);
     OfflineRenderer offline(options, start);
     if (options.framesDriveClock()) {
-        demo.useFrameClock(options.frameStepMs());
+        demo.useFrameClock(options.frameStepMs(), options.benchmark);
         demo.setFrameListener(&offline);
     }
     bool loaded =

@@ -69,6 +69,10 @@ bool MusicTimer::init() {
     return true;
 }
 
+bool MusicTimer::decodeOnly() {
+    return loadSound();
+}
+
 bool MusicTimer::loadSound() {
     bool decoded = false;
     if (KVTIO::ResourceType == KVTIO::KVT_RESOURCES_7Z) {

@@ -30,6 +30,9 @@ public:
     // Starts the sound system, decodes the music and sets it up paused at its start.
     // False with a printed line and getMessage() on failure.
     bool init() override;
+    // Only decodes the music, without a sound device: an offline run checks the music and
+    // spends the time a real run would. False with getMessage() when it cannot be decoded.
+    bool decodeOnly();
     // Stops the music and releases it and the device: false after a clean shutdown, true
     // (with a message) when no music was set up; whatever a failed init() started is
     // released all the same. Callers ignore the result.

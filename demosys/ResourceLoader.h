@@ -57,7 +57,11 @@ public:
     static std::vector<std::string> packedResources();
 
     // Offline rendering: the clock counts frames of stepMs milliseconds, and no music plays.
-    void useFrameClock(double stepMs) { frameStepMs = stepMs; }
+    // decodeMusic: decode the music all the same (a benchmark times it), or skip it.
+    void useFrameClock(double stepMs, bool decodeMusic) {
+        frameStepMs = stepMs;
+        decodeMusicOffline = decodeMusic;
+    }
 
     bool isValid() const { return valid; }
     std::string getErrorMessage() const { return errorMessage; }
@@ -93,6 +97,7 @@ private:
     bool loadBinaries();
     bool loadAnimations();
     void initEffects();
+    bool checkMusicOffline();
     bool preprocess(std::string& source, const ResourceInfo::ShaderInfo& entry,
                     const std::string& extension);
     bool includeFailed(const std::string& line, const std::string& fileName, int depth);
@@ -103,4 +108,5 @@ private:
     bool verbose = false;
     int includeCount = 0;
     double frameStepMs = 0.0;
+    bool decodeMusicOffline = false;
 };

@@ -121,9 +121,9 @@ bool VideoExport::finish(std::string& error) {
     showProgress(true);
     const double taken = std::chrono::duration<double>(Clock::now() - started).count();
     std::cout << "Video: wrote '" << file << "': " << frames << " frames, "
-              << static_cast<double>(frames) / fps << " s, "
-              << megabytes(file) << ", in " << minutesSeconds(taken) << " (" << frames / taken
-              << " frames a second)" << std::endl;
+              << static_cast<double>(frames) / fps << " s, " << megabytes(file) << ", in "
+              << minutesSeconds(taken) << " (" << frames / taken << " frames a second)"
+              << std::endl;
     return true;
 }
 

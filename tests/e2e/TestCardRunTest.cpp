@@ -122,6 +122,17 @@ TEST_F(TestCardRun, BenchmarkPrintsLoadTimeAndFrameStatistics) {
     Outcome run = runDemo(TESTCARD_DEMO, "--benchmark --end 00:03:000");
     ASSERT_EQ(run.status, 0) << run.output;
     EXPECT_NE(run.output.find("Benchmark: load time (start to first frame) "), std::string::npos);
+    // The load includes decoding the music, which must be sound, though none plays.
+    EXPECT_NE(run.output.find("Sound : decoded 'resources/sound/testcard.flac' (not played"),
+              std::string::npos);
+    std::string program = copyOfTestCard();
+    std::ofstream(fs::path(program).parent_path() / "resources/sound/testcard.flac")
+        << std::string(4096, 'x');
+    Outcome broken = runDemo(program, "--benchmark --end 00:00:300");
+    EXPECT_EQ(broken.status, 1);
+    EXPECT_NE(broken.output.find("The decoder cannot read it: 'resources/sound/testcard.flac'"),
+              std::string::npos)
+        << broken.output;
     EXPECT_NE(run.output.find("Benchmark: 181 frames, mean "), std::string::npos) << run.output;
     // Section by section: the frames timed before 2 s are red's, the rest green's.
     EXPECT_NE(run.output.find("Benchmark: section red from (0000000000)-[00:00:000]: 119 frames"),
@@ -163,6 +174,8 @@ TEST_F(TestCardRun, RelativePathsAreTheUsersAndTheProgramNamesItself) {
     const std::string inFolder = "cd " + folder.string() + " && " + TESTCARD_DEMO;
     Outcome shot = runCommand(inFolder + " --no-launcher --size 160x90 --shot 00:00:500=mine.png");
     ASSERT_EQ(shot.status, 0) << shot.output;
+    EXPECT_NE(shot.output.find("'resources/sound/testcard.flac' is not decoded"),
+              std::string::npos);
     EXPECT_TRUE(fs::exists(folder / "mine.png"));
     Outcome capture = runCommand(inFolder + " --no-launcher --size 160x90 --end 00:00:200"
                                             " --capture frames/deep --fps 10");
