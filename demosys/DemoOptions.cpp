@@ -76,13 +76,13 @@ bool readBarBeat(const std::string& text, long& beats) {
     return true;
 }
 
-bool readSize(const std::string& text, int& width, int& height) {
+} // namespace
+
+bool DemoOptions::readSize(const std::string& text, int& width, int& height) {
     size_t x = text.find('x');
     return x != std::string::npos && readWhole(text.substr(0, x), 16, 16384, width) &&
            readWhole(text.substr(x + 1), 16, 16384, height);
 }
-
-} // namespace
 
 std::string DemoOptions::usage(const std::string& program) {
     return "Usage: " + program +

@@ -16,6 +16,8 @@ public:
     // Reads argv; false with a message naming the option and value when one is invalid.
     bool parse(int argc, const char* const* argv, std::string& error);
     static std::string usage(const std::string& program);
+    // "WxH" with both sides from 16 to 16384, as --size takes it.
+    static bool readSize(const std::string& text, int& width, int& height);
     // Makes relative output paths (shots, capture folder) absolute against startFolder.
     void resolvePaths(const std::string& startFolder);
     // Turns --start and --end given as bar.beat into times at the production's tempo (beats

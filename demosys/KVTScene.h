@@ -2,6 +2,7 @@
 
 #include "KeyedObjects.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,8 @@ public:
     void AddCamera(std::string name, KVTCamera* camera) { cameras.put(name, camera); }
     KVTCamera* getCamera(const std::string& name) const { return cameras.get(name); }
     int countCameras() const { return static_cast<int>(cameras.objects().size()); }
+    // The cameras by name, in name order.
+    const std::map<std::string, KVTCamera*>& getCameras() const { return cameras.map(); }
 
     // Gives every material with a diffuse map the texture loaded from that file, found
     // through the texture pool's file map; a file not in the pool is reported and leaves

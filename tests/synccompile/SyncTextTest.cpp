@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 
@@ -159,26 +160,59 @@ TEST(SyncText, SchemaRejectsUnknownInstancesAndTracks) {
     EXPECT_EQ(error, "effects.list:1: expected 'instance: track ...', found 'post'");
 }
 
+// Writes the document as a pack, decodes it, formats it at the tempo and compiles the text
+// again; the second pack must equal the first byte for byte. Returns the text.
+std::string roundTrip(const synctext::Document& source, float tempo) {
+    std::string error;
+    fs::path first = freshFolder("first");
+    fs::path second = freshFolder("second");
+    EXPECT_TRUE(synctext::writePack(source, first.string(), error)) << error;
+    synctext::Document decoded;
+    EXPECT_TRUE(synctext::readPack(first.string(), decoded, error)) << error;
+    const std::string text = synctext::format(decoded, tempo);
+    synctext::Document reparsed;
+    EXPECT_TRUE(synctext::parse(text, "decoded.sync", nullptr, reparsed, error)) << error << text;
+    EXPECT_TRUE(synctext::writePack(reparsed, second.string(), error)) << error;
+    EXPECT_EQ(readBytes(first / "index.list"), readBytes(second / "index.list")) << text;
+    EXPECT_EQ(readBytes(first / "track.data"), readBytes(second / "track.data")) << text;
+    EXPECT_EQ(synctext::format(reparsed, tempo), text);
+    return text;
+}
+
 TEST(SyncText, TextPackTextPackRoundTripIsByteIdentical) {
     synctext::Document source;
     std::string error;
     ASSERT_TRUE(synctext::parse(Example, "demo.sync", nullptr, source, error));
-    fs::path first = freshFolder("first");
-    fs::path second = freshFolder("second");
-    ASSERT_TRUE(synctext::writePack(source, first.string(), error)) << error;
-
-    synctext::Document decoded;
-    ASSERT_TRUE(synctext::readPack(first.string(), decoded, error)) << error;
-    std::string text = synctext::format(decoded);
-    EXPECT_NE(text.find("start 20 glow_pre\nstop 80\n"), std::string::npos) << text;
+    std::string text = roundTrip(source, 0.0f);
+    EXPECT_NE(text.find("start 00:01:000 glow_pre\nstop 00:04:000\n"), std::string::npos) << text;
     EXPECT_NE(text.find("priority 4\n"), std::string::npos) << "raw priorities are kept";
+    EXPECT_EQ(text.find("tempo"), std::string::npos) << text;
 
-    synctext::Document reparsed;
-    ASSERT_TRUE(synctext::parse(text, "decoded.sync", nullptr, reparsed, error)) << error;
-    ASSERT_TRUE(synctext::writePack(reparsed, second.string(), error)) << error;
-    EXPECT_EQ(readBytes(first / "index.list"), readBytes(second / "index.list"));
-    EXPECT_EQ(readBytes(first / "track.data"), readBytes(second / "track.data"));
-    EXPECT_EQ(synctext::format(reparsed), text);
+    text = roundTrip(source, 120.0f);
+    EXPECT_EQ(text.find("tempo 120\nend 61.1\n"), text.find('\n') + 1) << text;
+    EXPECT_NE(text.find("start 1.3 glow_pre\nstop 3.1\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\n00:00:250 1 linear\n"), std::string::npos) << "row 5 is off the beat";
+}
+
+// Values that need up to 9 digits, and a tempo whose beats fall between rows.
+TEST(SyncText, DecompiledValuesAndBeatsReadBackExactly) {
+    const float justAbove = std::nextafter(100.1f, 200.0f);
+    synctext::Document source;
+    source.effects.push_back({"e", -3, {{13, 3017, "screen"}}, {{"t", {}}}});
+    const std::vector<std::pair<unsigned int, float>> keys = {
+        {0, 1.2f},           {13, justAbove}, {14, -0.0f}, {27, 1.17549435e-38f},
+        {40, 3.4028235e38f}, {3017, 0.1f}};
+    for (const auto& [row, value] : keys) {
+        source.effects[0].tracks[0].keyframes.push_back({row, 3, value});
+    }
+    const std::string text = roundTrip(source, 90.0f);
+    EXPECT_NE(text.find("tempo 90\nend 02:30:850\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("start 1.2 screen\nstop 02:30:850\n"), std::string::npos) << text;
+    EXPECT_NE(
+        text.find("\n1.1 1.2 step\n1.2 100.100006 step\n00:00:700 -0 step\n1.3 1.1754944e-38 step\n"
+                  "1.4 3.4028235e+38 step\n02:30:850 0.1 step\n"),
+        std::string::npos)
+        << text;
 }
 
 TEST(SyncText, MissingOrDamagedPacksAreReported) {

@@ -2,11 +2,14 @@
 #include "Oscillator.h"
 #include "Parser.h"
 #include "SignalHelpers.h"
+#include "Spectrogram.h"
 
 #include <gtest/gtest.h>
 #include <stb/stb_image.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 
 using namespace synth;
 using namespace synth_test;
@@ -68,16 +71,94 @@ TEST(Analysis, ReportsSectionsFromTheSong) {
     EXPECT_EQ(report.clippedSamples, 0);
 }
 
-TEST(Analysis, DrawsASpectrogramTenColumnsASecond) {
-    const Song song =
-        parseSong("song\n tempo 120 length 8\nend\nsections\n 1 a\n 3 b\nend\n", "test.song");
+namespace {
+
+struct Rgb {
+    int r, g, b;
+};
+
+struct LoadedPicture {
+    int width = 0, height = 0;
+    std::vector<Rgb> pixels;
+    Rgb at(int x, int y) const { return pixels[static_cast<size_t>(y * width + x)]; }
+    // Whether any pixel of the box (x0 <= x < x1, y0 <= y < y1) passes the test.
+    template <typename Test> bool anyIn(int x0, int x1, int y0, int y1, Test test) const {
+        for (int y = std::max(0, y0); y < std::min(height, y1); ++y)
+            for (int x = std::max(0, x0); x < std::min(width, x1); ++x)
+                if (test(at(x, y)))
+                    return true;
+        return false;
+    }
+};
+
+LoadedPicture loadPicture(const std::string& path) {
+    LoadedPicture picture;
+    int channels = 0;
+    unsigned char* data = stbi_load(path.c_str(), &picture.width, &picture.height, &channels, 3);
+    for (int i = 0; data && i < picture.width * picture.height; ++i)
+        picture.pixels.push_back({data[3 * i], data[3 * i + 1], data[3 * i + 2]});
+    stbi_image_free(data);
+    return picture;
+}
+
+bool isGreyInk(Rgb c) {
+    return c.r > 120 && std::abs(c.r - c.b) < 40;
+}
+
+bool isSectionInk(Rgb c) {
+    return c.r > 150 && c.b < c.r - 60;
+}
+
+} // namespace
+
+// A 1 kHz sine under a song of two sections: the spectrogram's brightest row meets the "1k"
+// tick of the frequency axis, and sections, bars and times are written in the margins.
+TEST(Analysis, DrawsASpectrogramWithLabelledAxesAndSections) {
+    const Song song = parseSong(
+        "song\n tempo 120 length 21\nend\nsections\n 2 quiet\n 4 loud\nend\n", "test.song");
+    AudioBuffer audio;
+    for (int i = 0; i < 21 * 44100; ++i)
+        audio.left.push_back(static_cast<float>(0.5 * std::sin(2.0 * kPi * 1000.0 * i / kRate)));
+    audio.right = audio.left;
     const std::string path = scratchPath("spectrogram.png");
-    writeSpectrogram(clickTrack(120.0, 8.0), &song, path);
-    int width = 0, height = 0, channels = 0;
-    ASSERT_TRUE(stbi_info(path.c_str(), &width, &height, &channels));
-    EXPECT_EQ(width, 80);
-    EXPECT_EQ(height, 480);
+    writeSpectrogram(audio, &song, path);
+    const LoadedPicture picture = loadPicture(path);
     std::remove(path.c_str());
+    ASSERT_GT(picture.width, 0);
+
+    // The sine's rows are those with the most bright pixels: one a column, ten columns a
+    // second (less the section lines at 2 and 6 s); the plot starts at the first.
+    const auto bright = [](Rgb c) { return c.r > 200 && c.b < 200; };
+    int firstSineRow = 0, lastSineRow = 0, plotLeft = 0, most = 0;
+    for (int y = 0; y < picture.height; ++y) {
+        int count = 0, first = -1;
+        for (int x = 0; x < picture.width; ++x)
+            if (bright(picture.at(x, y))) {
+                first = first < 0 ? x : first;
+                ++count;
+            }
+        if (count > most) {
+            most = count;
+            firstSineRow = y;
+            plotLeft = first;
+        }
+        lastSineRow = count == most ? y : lastSineRow;
+    }
+    const int sineRow = (firstSineRow + lastSineRow) / 2;
+    EXPECT_NEAR(most, 208, 2);
+    EXPECT_TRUE(picture.anyIn(plotLeft - 6, plotLeft, sineRow - 1, sineRow + 2, isGreyInk))
+        << "a tick of the frequency axis at 1 kHz";
+    EXPECT_TRUE(picture.anyIn(plotLeft - 40, plotLeft - 6, sineRow - 5, sineRow + 6, isGreyInk))
+        << "its label";
+    EXPECT_FALSE(picture.anyIn(0, plotLeft + 20, 0, 30, isSectionInk)) << "nothing before bar 2";
+    EXPECT_TRUE(picture.anyIn(plotLeft + 22, plotLeft + 56, 0, 30, isSectionInk)) << "'quiet'";
+    EXPECT_TRUE(picture.anyIn(plotLeft + 62, plotLeft + 100, 0, 30, isSectionInk)) << "'loud'";
+    EXPECT_TRUE(isGreyInk(picture.at(plotLeft + 60, sineRow + 40))) << "the line of bar 4";
+    EXPECT_FALSE(isGreyInk(picture.at(plotLeft + 61, sineRow + 40)));
+    for (int seconds : {0, 10, 20})
+        EXPECT_TRUE(picture.anyIn(plotLeft + seconds * 10 - 15, plotLeft + seconds * 10 + 15,
+                                  picture.height - 20, picture.height, isGreyInk))
+            << "the time label of " << seconds << " s";
     EXPECT_THROW(writeSpectrogram(clickTrack(120.0, 1.0), nullptr, "/nonexistent/x.png"),
                  std::runtime_error);
 }

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
 using texgen::test::runTexgen;
 
@@ -20,6 +22,7 @@ TEST(CommandLine, HelpAndListSucceed) {
     const auto help = runTexgen("--help");
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(mentions(help.output, "Usage: texgen"));
+    EXPECT_TRUE(mentions(help.output, "--contact-sheet SHEET.png [options] [OUTPUT_FOLDER]"));
 
     const auto list = runTexgen("--list");
     EXPECT_EQ(list.status, 0);
@@ -47,6 +50,23 @@ TEST(CommandLine, WrongUsageNamesTheProblemAndExitsWithStatusTwo) {
     const auto twoFolders = runTexgen("/tmp/a /tmp/b");
     EXPECT_EQ(twoFolders.status, 2);
     EXPECT_TRUE(mentions(twoFolders.output, "'/tmp/b'"));
+}
+
+TEST(CommandLine, AContactSheetAloneDrawsIntoATemporaryFolderAndRemovesIt) {
+    const std::string scratch = texgen::test::freshFolder();
+    const char* saved = std::getenv("TMPDIR");
+    const std::string previous = saved != nullptr ? saved : "";
+    setenv("TMPDIR", scratch.c_str(), 1);
+    const auto result = runTexgen("--contact-sheet '" + scratch + "/sheet.png'");
+    saved != nullptr ? setenv("TMPDIR", previous.c_str(), 1) : unsetenv("TMPDIR");
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_GT(std::filesystem::file_size(scratch + "/sheet.png"), 100000u);
+    std::vector<std::string> left;
+    for (const auto& entry : std::filesystem::directory_iterator(scratch)) {
+        left.push_back(entry.path().filename().string());
+    }
+    EXPECT_EQ(left, std::vector<std::string>{"sheet.png"}) << "the temporary folder is gone";
+    std::filesystem::remove_all(scratch);
 }
 
 TEST(CommandLine, MissingFontIsNamedAndNothingIsWritten) {

@@ -8,13 +8,13 @@
 #include <stdexcept>
 
 TEST(Raster, DistanceOutsideMatchesABruteForceSearch) {
-    texgen::Field shape(37, 23);
+    raster::Field shape(37, 23);
     for (int y = 0; y < shape.height(); ++y) {
         for (int x = 0; x < shape.width(); ++x) {
             shape.at(x, y) = texgen::unitFromBits(texgen::hashCell(x, y, 3)) > 0.93f ? 1.0f : 0.2f;
         }
     }
-    const texgen::Field distance = texgen::distanceOutside(shape);
+    const raster::Field distance = raster::distanceOutside(shape);
     for (int y = 0; y < shape.height(); ++y) {
         for (int x = 0; x < shape.width(); ++x) {
             float nearest = 1e9f;
@@ -31,9 +31,9 @@ TEST(Raster, DistanceOutsideMatchesABruteForceSearch) {
 }
 
 TEST(Raster, WrappedBlurKeepsTheTotalAndSpreadsAcrossTheEdgeEvenly) {
-    texgen::Field field(32, 16);
+    raster::Field field(32, 16);
     field.at(0, 0) = 1.0f;
-    texgen::gaussianBlur(field, 2.0f, texgen::Edges::Wrap);
+    raster::gaussianBlur(field, 2.0f, raster::Edges::Wrap);
     double total = 0.0;
     for (int y = 0; y < field.height(); ++y) {
         for (int x = 0; x < field.width(); ++x) {
@@ -47,10 +47,10 @@ TEST(Raster, WrappedBlurKeepsTheTotalAndSpreadsAcrossTheEdgeEvenly) {
 }
 
 TEST(Raster, SetTextIsCroppedToItsInkWithTheMargin) {
-    const texgen::Font font(std::string(TEXGEN_FONT_FOLDER) + "/DejaVuSans-Bold.ttf");
-    texgen::TextStyle style;
+    const raster::Font font(std::string(TEXGEN_FONT_FOLDER) + "/DejaVuSans-Bold.ttf");
+    raster::TextStyle style;
     style.capHeight = 40.0f;
-    const texgen::Field text = font.set("HI", style, 5);
+    const raster::Field text = font.set("HI", style, 5);
     EXPECT_NEAR(text.height(), 40 + 2 * 5, 2);
     auto rowHasInk = [&](int y) {
         for (int x = 0; x < text.width(); ++x) {
@@ -71,7 +71,7 @@ TEST(Raster, SetTextIsCroppedToItsInkWithTheMargin) {
 
 TEST(Raster, AMissingFontIsReportedByName) {
     try {
-        texgen::Font font("/nowhere/Missing.ttf");
+        raster::Font font("/nowhere/Missing.ttf");
         FAIL() << "no error";
     } catch (const std::runtime_error& error) {
         EXPECT_NE(std::string(error.what()).find("/nowhere/Missing.ttf"), std::string::npos);

@@ -1,7 +1,7 @@
 // Shared helpers of the texgen tests.
 #pragma once
 
-#include "Picture.h"
+#include "Drawing.h"
 
 #include <string>
 

@@ -19,7 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const char* const kFontFolder = "/usr/share/fonts/truetype/dejavu";
 const int kColumns = 10;
 const int kTileWidth = 288;
 const int kGap = 14;
@@ -74,7 +73,7 @@ std::string labelOf(double seconds, double tempo) {
     return text;
 }
 
-texgen::Picture readFrame(const fs::path& path) {
+raster::Picture readFrame(const fs::path& path) {
     int width = 0;
     int height = 0;
     int channels = 0;
@@ -82,7 +81,7 @@ texgen::Picture readFrame(const fs::path& path) {
     if (pixels == nullptr) {
         throw std::runtime_error("cannot read the frame '" + path.string() + "'");
     }
-    texgen::Picture picture(width, height, 3);
+    raster::Picture picture(width, height, 3);
     std::copy(pixels, pixels + picture.bytes.size(), picture.bytes.begin());
     stbi_image_free(pixels);
     return picture;
@@ -119,11 +118,11 @@ int main(int argc, char** argv) {
         for (std::size_t i = 0; i < frames.size(); ++i) {
             items.push_back({labelOf(i / options.fps, options.tempo), readFrame(frames[i])});
         }
-        const texgen::FontShelf fonts(kFontFolder);
+        const raster::FontShelf fonts(raster::DefaultFontFolder);
         texgen::SheetLayout layout;
         layout.wideBox = kTileWidth;
         layout.width = kColumns * (kTileWidth + kGap) + kGap;
-        texgen::writePng(texgen::contactSheet(items, fonts.mono(), layout), options.sheet);
+        raster::writePng(texgen::contactSheet(items, fonts.mono(), layout), options.sheet);
         std::cout << "Wrote " << options.sheet << " (" << frames.size() << " frames)\n";
     } catch (const std::exception& error) {
         std::cerr << "brinova-review: " << error.what() << "\n";

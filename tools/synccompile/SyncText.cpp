@@ -11,10 +11,14 @@
 #include "TrackSystem.h"
 #include "TrackSystemIO.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <sstream>
 
@@ -23,6 +27,10 @@ namespace synctext {
 namespace {
 
 const unsigned int RowsPerSecond = 20;
+const long BeatsPerBar = 4;
+const long MostBars = 100000;
+const float MostBeatsPerMinute = 1000.0f;
+const unsigned int MillisecondsPerRow = 1000 / RowsPerSecond;
 const char* const InterpolationNames[] = {"linear", "ease-out", "ease-in", "step", "ramp"};
 const int InterpolationCount = 5;
 
@@ -58,6 +66,15 @@ bool parseFloat(const std::string& text, float& out) {
 
 bool validName(const std::string& name) {
     return !name.empty() && name.find('.') == std::string::npos;
+}
+
+double rowsPerBeat(float tempo) {
+    return 60.0 / tempo * RowsPerSecond;
+}
+
+// The row of a beat counted from 0 (bar 1 beat 1), as bar.beat times are compiled.
+long beatRow(long beat, float tempo) {
+    return std::lround(beat * rowsPerBeat(tempo));
 }
 
 // Reads a document line by line, keeping the state of the effect and track being filled.
@@ -144,7 +161,7 @@ private:
 
     bool parseTempo(const std::string& text) {
         float bpm;
-        if (!parseFloat(text, bpm) || bpm <= 0.0f || bpm > 1000.0f) {
+        if (!readTempo(text, bpm)) {
             return fail("tempo '" + text + "' is not a number of beats per minute");
         }
         tempo = bpm;
@@ -187,11 +204,10 @@ private:
             std::string beatText = text.substr(text.find('.') + 1);
             long bar, beat;
             if (!parseInteger(barText, bar) || !parseInteger(beatText, beat) || bar < 1 ||
-                beat < 1 || beat > 4 || bar > 100000) {
+                beat < 1 || beat > BeatsPerBar || bar > MostBars) {
                 return fail("time '" + text + "' is not bar.beat (bars from 1, beats 1 to 4)");
             }
-            row =
-                static_cast<unsigned int>(std::lround(((bar - 1) * 4 + beat - 1) * rowsPerBeat()));
+            row = static_cast<unsigned int>(beatRow((bar - 1) * BeatsPerBar + beat - 1, tempo));
         } else if (parseInteger(text, whole) && whole >= 0 && whole <= 0x7FFFFFFF) {
             row = static_cast<unsigned int>(whole);
         } else {
@@ -362,7 +378,8 @@ private:
         if (to <= from) {
             return fail("'every' must end after it starts");
         }
-        pattern = Pattern{from, to, count * (unit[1] == 'e' ? 1.0 : 4.0) * rowsPerBeat(), {}};
+        pattern = Pattern{
+            from, to, count * (unit[1] == 'e' ? 1.0 : BeatsPerBar) * rowsPerBeat(tempo), {}};
         patternLine = lineNumber;
         return true;
     }
@@ -380,7 +397,7 @@ private:
         if (!parseValue(valueText, how, key)) {
             return false;
         }
-        key.row = static_cast<unsigned int>(std::lround(beats * rowsPerBeat()));
+        key.row = static_cast<unsigned int>(std::lround(beats * rowsPerBeat(tempo)));
         if (key.row >= pattern.period) {
             return fail("offset '" + offsetText + "' does not fit in one repetition");
         }
@@ -408,8 +425,6 @@ private:
         }
         return true;
     }
-
-    double rowsPerBeat() const { return 60.0 / tempo * RowsPerSecond; }
 
     struct Pattern {
         unsigned int from;
@@ -476,6 +491,10 @@ void readKeyframes(const TrackInterpolate& source, Track& track) {
 }
 
 } // namespace
+
+bool readTempo(const std::string& text, float& tempo) {
+    return parseFloat(text, tempo) && tempo > 0.0f && tempo <= MostBeatsPerMinute;
+}
 
 const char* interpolationName(int code) {
     return code >= 0 && code < InterpolationCount ? InterpolationNames[code] : "linear";
@@ -591,25 +610,69 @@ bool readPack(const std::string& folder, Document& out, std::string& error) {
     return true;
 }
 
-std::string format(const Document& document) {
+namespace {
+
+// The fewest significant digits that read back to the same float. Whole numbers of up to 9
+// digits keep all of them, so that 90 reads "90" rather than "9e+01".
+std::string shortestFloat(float value) {
+    const double magnitude = std::fabs(static_cast<double>(value));
+    const int wholeDigits = magnitude >= 1.0 ? static_cast<int>(std::log10(magnitude)) + 1 : 1;
+    char text[32];
+    for (int digits = wholeDigits <= 9 ? wholeDigits : 1;; ++digits) {
+        std::snprintf(text, sizeof text, "%.*g", digits, static_cast<double>(value));
+        const float back = std::strtof(text, nullptr);
+        // Compared bit for bit, so that -0 keeps its sign; 9 digits always read back.
+        if (std::memcmp(&back, &value, sizeof value) == 0 || digits == 9) {
+            return text;
+        }
+    }
+}
+
+std::string formatTime(unsigned int row, float tempo) {
+    if (tempo > 0.0f) {
+        const long beat = std::lround(row / rowsPerBeat(tempo));
+        if (beatRow(beat, tempo) == static_cast<long>(row) && beat / BeatsPerBar < MostBars) {
+            return std::to_string(beat / BeatsPerBar + 1) + "." +
+                   std::to_string(beat % BeatsPerBar + 1);
+        }
+    }
+    if (row > std::numeric_limits<unsigned int>::max() / MillisecondsPerRow) {
+        return std::to_string(row);
+    }
+    const KVTTime time(row * MillisecondsPerRow);
+    return KVTTime::forceStringLength(std::to_string(time.getMinutes()), 2) + ":" +
+           KVTTime::forceStringLength(std::to_string(time.getSeconds()), 2) + ":" +
+           KVTTime::forceStringLength(std::to_string(time.getMilliseconds()), 3);
+}
+
+} // namespace
+
+std::string format(const Document& document, float tempo) {
     std::ostringstream out;
-    out.precision(9);
-    out << "# Sync tracks, times in rows at " << RowsPerSecond << " rows per second\n";
+    unsigned int lastRow = 0;
+    const auto time = [&](unsigned int row) {
+        lastRow = std::max(lastRow, row);
+        return formatTime(row, tempo);
+    };
     for (const Effect& effect : document.effects) {
         out << "\neffect " << effect.name << "\npriority " << effect.priority << "\n";
         for (const Interval& interval : effect.intervals) {
-            out << "start " << interval.start << " " << interval.target << "\nstop "
-                << interval.stop << "\n";
+            out << "start " << time(interval.start) << " " << interval.target << "\nstop "
+                << time(interval.stop) << "\n";
         }
         for (const Track& track : effect.tracks) {
             out << "track " << track.name << "\n";
             for (const Keyframe& key : track.keyframes) {
-                out << key.row << " " << key.value << " " << interpolationName(key.interpolation)
-                    << "\n";
+                out << time(key.row) << " " << shortestFloat(key.value) << " "
+                    << interpolationName(key.interpolation) << "\n";
             }
         }
     }
-    return out.str();
+    if (tempo <= 0.0f) {
+        return "# Sync tracks, times as mm:ss:ms\n" + out.str();
+    }
+    return "# Sync tracks, times as bar.beat where they fall on a beat, else mm:ss:ms\ntempo " +
+           shortestFloat(tempo) + "\nend " + formatTime(lastRow, tempo) + "\n" + out.str();
 }
 
 } // namespace synctext

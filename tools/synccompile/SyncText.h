@@ -70,8 +70,12 @@ TrackSystem* buildTrackSystem(const Document& document);
 bool writePack(const Document& document, const std::string& folder, std::string& error);
 // Reads the pack in folder back into a document, keeping record order and raw priorities.
 bool readPack(const std::string& folder, Document& out, std::string& error);
-// The text form of a document, times as rows.
-std::string format(const Document& document);
+// The text form of a document. Values are written in the fewest digits that read back to the
+// same float. Without a tempo times are mm:ss:ms; with one (beats per minute) the text opens
+// with "tempo" and an "end" at the latest time used, and times on a beat are bar.beat.
+std::string format(const Document& document, float tempo = 0.0f);
+// Beats per minute as a "tempo" line takes them; false when the text is not one.
+bool readTempo(const std::string& text, float& tempo);
 
 const char* interpolationName(int code);
 

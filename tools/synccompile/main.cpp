@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iostream>
 #include <sstream>
+#include <vector>
 
 namespace {
 
@@ -14,8 +15,10 @@ void printUsage(std::ostream& out) {
         << "  synccompile compile SOURCE.sync OUTPUT_FOLDER [--effects LIST]\n"
         << "      writes OUTPUT_FOLDER/index.list and track.data; LIST names each effect\n"
         << "      instance and its tracks as 'instance: track track ...' lines\n"
-        << "  synccompile decompile PACK_FOLDER [OUTPUT.sync]\n"
-        << "      writes the pack as text (to standard output without OUTPUT)\n";
+        << "  synccompile decompile PACK_FOLDER [OUTPUT.sync] [--tempo BPM]\n"
+        << "      writes the pack as text (to standard output without OUTPUT), times as\n"
+        << "      mm:ss:ms; with --tempo also the tempo and end lines, and times that fall on\n"
+        << "      a beat as bar.beat\n";
 }
 
 bool readText(const std::string& path, std::string& text) {
@@ -55,14 +58,14 @@ int compile(const std::string& source, const std::string& folder, const std::str
     return 0;
 }
 
-int decompile(const std::string& folder, const std::string& output) {
+int decompile(const std::string& folder, const std::string& output, float tempo) {
     synctext::Document document;
     std::string error;
     if (!synctext::readPack(folder, document, error)) {
         std::cerr << "synccompile: " << error << "\n";
         return 1;
     }
-    std::string text = synctext::format(document);
+    std::string text = synctext::format(document, tempo);
     if (output.empty()) {
         std::cout << text;
         return 0;
@@ -73,6 +76,32 @@ int decompile(const std::string& folder, const std::string& output) {
         return 1;
     }
     return 0;
+}
+
+// "decompile PACK_FOLDER [OUTPUT.sync] [--tempo BPM]", the option anywhere after the command.
+int decompileCommand(const std::vector<std::string>& args) {
+    std::vector<std::string> paths;
+    float tempo = 0.0f;
+    for (size_t i = 0; i < args.size(); ++i) {
+        if (args[i] == "--tempo") {
+            const std::string value = i + 1 < args.size() ? args[++i] : "";
+            if (!synctext::readTempo(value, tempo)) {
+                std::cerr << "synccompile: --tempo needs beats per minute (above 0, up to 1000), "
+                          << "found '" << value << "'\n";
+                return 2;
+            }
+        } else if (args[i].rfind("--", 0) == 0) {
+            std::cerr << "synccompile: unknown option '" << args[i] << "'\n";
+            return 2;
+        } else {
+            paths.push_back(args[i]);
+        }
+    }
+    if (paths.empty() || paths.size() > 2) {
+        printUsage(std::cerr);
+        return 2;
+    }
+    return decompile(paths[0], paths.size() == 2 ? paths[1] : "", tempo);
 }
 
 } // namespace
@@ -89,8 +118,8 @@ int main(int argc, char** argv) {
     if (command == "compile" && argc == 6 && std::string(argv[4]) == "--effects") {
         return compile(argv[2], argv[3], argv[5]);
     }
-    if (command == "decompile" && (argc == 3 || argc == 4)) {
-        return decompile(argv[2], argc == 4 ? argv[3] : "");
+    if (command == "decompile") {
+        return decompileCommand(std::vector<std::string>(argv + 2, argv + argc));
     }
     printUsage(std::cerr);
     return 2;

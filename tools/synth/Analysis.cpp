@@ -2,13 +2,10 @@
 
 #include "Fft.h"
 
-#include <stb/stb_image_write.h>
-
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
 #include <sstream>
-#include <stdexcept>
 
 namespace synth {
 namespace {
@@ -16,10 +13,6 @@ namespace {
 constexpr int kOnsetWindow = 1024;
 constexpr double kOnsetHopSeconds = 0.01;
 constexpr int kSpectrogramWindow = 4096;
-constexpr int kSpectrogramHeight = 480;
-constexpr double kSpectrogramColumnsPerSecond = 10.0;
-constexpr double kLowestHz = 30.0, kHighestHz = 16000.0;
-constexpr double kFloorDb = -110.0, kTopDb = -6.0;
 
 double toDb(double value) {
     return 20.0 * std::log10(std::max(value, 1e-9));
@@ -62,38 +55,6 @@ void spectralShape(const std::vector<float>& mono, long begin, long end, int sam
     }
     centroid = total > 0.0 ? weighted / total : 0.0;
     bassShare = total > 0.0 ? bass / total : 0.0;
-}
-
-// A dark-to-bright colour ramp: black, deep blue, violet, orange, pale yellow.
-void colourFor(double t, unsigned char* rgb) {
-    static const double stops[5][3] = {
-        {0, 0, 0}, {20, 24, 110}, {150, 40, 150}, {245, 130, 40}, {255, 250, 200}};
-    t = std::clamp(t, 0.0, 1.0) * 4.0;
-    const int i = std::min(3, static_cast<int>(t));
-    const double f = t - i;
-    for (int c = 0; c < 3; ++c)
-        rgb[c] = static_cast<unsigned char>(stops[i][c] + (stops[i + 1][c] - stops[i][c]) * f);
-}
-
-void paintMarkers(std::vector<unsigned char>& pixels, int width, const Song& song) {
-    const auto paint = [&](int x, int y0, int y1, unsigned char value) {
-        if (x < 0 || x >= width)
-            return;
-        for (int y = y0; y < y1; ++y)
-            for (int c = 0; c < 3; ++c)
-                pixels[static_cast<size_t>((y * width + x) * 3 + c)] = value;
-    };
-    const double barSeconds = song.beatsPerBar * song.secondsPerBeat();
-    for (int bar = 1; (bar - 1) * barSeconds < song.lengthSeconds; ++bar) {
-        const int x =
-            static_cast<int>(std::lround((bar - 1) * barSeconds * kSpectrogramColumnsPerSecond));
-        paint(x, 0, (bar - 1) % 4 == 0 ? 14 : 6, 255);
-    }
-    for (const Section& section : song.sections) {
-        const int x = static_cast<int>(
-            std::lround(song.barToSeconds(section.firstBar) * kSpectrogramColumnsPerSecond));
-        paint(x, 0, kSpectrogramHeight, 230);
-    }
 }
 
 // Spectral flux of the mono mix, one value every 10 ms: how much new energy each frame adds.
@@ -246,41 +207,41 @@ void printReport(const AnalysisReport& report, std::ostream& out) {
     }
 }
 
-void writeSpectrogram(const AudioBuffer& audio, const Song* song, const std::string& path) {
+double Spectrogram::rowOf(double hz) const {
+    return rows * std::log(hz / kLowestHz) / std::log(kHighestHz / kLowestHz);
+}
+
+Spectrogram computeSpectrogram(const AudioBuffer& audio, int rows) {
     const std::vector<float> mono = monoMix(audio);
     const double seconds = static_cast<double>(audio.frames()) / audio.sampleRate;
-    const int width =
-        std::max(1, static_cast<int>(std::ceil(seconds * kSpectrogramColumnsPerSecond)));
-    const int height = kSpectrogramHeight;
-    std::vector<unsigned char> pixels(static_cast<size_t>(width * height * 3));
+    Spectrogram result;
+    result.columns =
+        std::max(1, static_cast<int>(std::ceil(seconds * Spectrogram::kColumnsPerSecond)));
+    result.rows = rows;
+    result.db.resize(static_cast<size_t>(result.columns) * static_cast<size_t>(rows));
     // Normalise so a full-scale sine reads 0 dB.
     const double scale = 4.0 / kSpectrogramWindow;
     const double binHz = static_cast<double>(audio.sampleRate) / kSpectrogramWindow;
-    for (int x = 0; x < width; ++x) {
+    const double logRange = std::log(Spectrogram::kHighestHz / Spectrogram::kLowestHz);
+    for (int x = 0; x < result.columns; ++x) {
         const long centre =
-            std::lround((x + 0.5) / kSpectrogramColumnsPerSecond * audio.sampleRate);
+            std::lround((x + 0.5) / Spectrogram::kColumnsPerSecond * audio.sampleRate);
         const std::vector<float> frame = frameAround(mono, centre, kSpectrogramWindow);
         const std::vector<double> magnitudes = magnitudeSpectrum(frame.data(), kSpectrogramWindow);
-        for (int y = 0; y < height; ++y) {
-            // Each row covers a slice of the log axis; show the strongest bin in it.
-            const double lowHz =
-                kLowestHz * std::pow(kHighestHz / kLowestHz, static_cast<double>(y) / height);
-            const double highHz =
-                kLowestHz * std::pow(kHighestHz / kLowestHz, static_cast<double>(y + 1) / height);
+        for (int y = 0; y < rows; ++y) {
+            // Each row covers a slice of the log axis; keep the strongest bin in it.
+            const double lowHz = Spectrogram::kLowestHz * std::exp(logRange * y / rows);
+            const double highHz = Spectrogram::kLowestHz * std::exp(logRange * (y + 1) / rows);
             const size_t first = static_cast<size_t>(std::lround(lowHz / binHz));
             const size_t last = std::max(first, static_cast<size_t>(std::lround(highHz / binHz)));
             double strongest = 0.0;
             for (size_t k = first; k <= last && k < magnitudes.size(); ++k)
                 strongest = std::max(strongest, magnitudes[k]);
-            const double db = toDb(strongest * scale);
-            const size_t at = static_cast<size_t>(((height - 1 - y) * width + x) * 3);
-            colourFor((db - kFloorDb) / (kTopDb - kFloorDb), &pixels[at]);
+            result.db[static_cast<size_t>(y) * static_cast<size_t>(result.columns) +
+                      static_cast<size_t>(x)] = toDb(strongest * scale);
         }
     }
-    if (song)
-        paintMarkers(pixels, width, *song);
-    if (!stbi_write_png(path.c_str(), width, height, 3, pixels.data(), width * 3))
-        throw std::runtime_error("cannot write the spectrogram '" + path + "'");
+    return result;
 }
 
 } // namespace synth

@@ -44,9 +44,24 @@ double estimateTempo(const AudioBuffer& audio, double slowest = 80.0, double fas
 AnalysisReport analyse(const AudioBuffer& audio, const Song* song);
 void printReport(const AnalysisReport& report, std::ostream& out);
 
-// A spectrogram picture: time to the right (10 columns a second), frequency upwards on a
-// log scale from 30 Hz to 16 kHz, with section starts as full-height lines and bars as ticks.
-// Throws std::runtime_error naming the file when it cannot be written.
-void writeSpectrogram(const AudioBuffer& audio, const Song* song, const std::string& path);
+// Levels in time and frequency: 10 columns a second; rows on a log scale from 30 Hz (row 0)
+// to 16 kHz, each the strongest bin in its slice, in dB (a full-scale sine reads 0).
+struct Spectrogram {
+    static constexpr double kColumnsPerSecond = 10.0;
+    static constexpr double kLowestHz = 30.0, kHighestHz = 16000.0;
+
+    int columns = 0;
+    int rows = 0;
+    std::vector<double> db; // row after row, from row 0
+
+    double at(int column, int row) const {
+        return db[static_cast<size_t>(row) * static_cast<size_t>(columns) +
+                  static_cast<size_t>(column)];
+    }
+    // Where a frequency lies, in rows from the bottom edge of row 0.
+    double rowOf(double hz) const;
+};
+
+Spectrogram computeSpectrogram(const AudioBuffer& audio, int rows);
 
 } // namespace synth

@@ -4,6 +4,7 @@
 #include "AudioFile.h"
 #include "Parser.h"
 #include "Renderer.h"
+#include "Spectrogram.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,8 +1,7 @@
 // Every picture texgen writes, with the file name the production loads it by.
 #pragma once
 
-#include "Font.h"
-#include "Picture.h"
+#include "Drawing.h"
 
 #include <functional>
 #include <string>

@@ -96,17 +96,8 @@ void drawLabel(Canvas& sheet, const std::string& text, const Font& font, int lef
     TextStyle style;
     style.capHeight = 9.0f;
     const Field words = font.set(text, style, 0);
-    Field placed(sheet.width(), sheet.height());
-    stampMax(placed, words, left, top + (kLabelHeight - words.height()) / 2);
-    for (int y = top; y < std::min(sheet.height(), top + kLabelHeight); ++y) {
-        for (int x = left; x < std::min(sheet.width(), left + words.width()); ++x) {
-            const float a = placed.at(x, y);
-            Rgba& p = sheet.at(x, y);
-            p.r += (0.85f - p.r) * a;
-            p.g += (0.87f - p.g) * a;
-            p.b += (0.9f - p.b) * a;
-        }
-    }
+    paintCoverage(sheet, words, left, top + (kLabelHeight - words.height()) / 2,
+                  {0.85f, 0.87f, 0.9f});
 }
 
 struct Placement {

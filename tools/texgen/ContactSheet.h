@@ -1,8 +1,7 @@
 // One picture that shows every generated picture at a glance, labelled, for review.
 #pragma once
 
-#include "Font.h"
-#include "Picture.h"
+#include "Drawing.h"
 
 #include <string>
 #include <vector>

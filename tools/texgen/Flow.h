@@ -3,7 +3,7 @@
 // from one stream function, so a pair on its own is free of divergence.
 #pragma once
 
-#include "Picture.h"
+#include "Drawing.h"
 
 namespace texgen {
 

@@ -3,7 +3,7 @@
 // feedback of the dye on the flow), which is enough to judge the shapes the stirring makes.
 #pragma once
 
-#include "Picture.h"
+#include "Drawing.h"
 
 #include <string>
 #include <vector>

@@ -2,8 +2,7 @@
 // with moving-light veins, a bevelled top edge, a detached outline and a glow.
 #pragma once
 
-#include "Font.h"
-#include "Raster.h"
+#include "Drawing.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 // Small lookup pictures the screen effects read: blur weights, a tone ramp and grain.
 #pragma once
 
-#include "Picture.h"
+#include "Drawing.h"
 
 namespace texgen {
 

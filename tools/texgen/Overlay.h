@@ -1,7 +1,7 @@
 // The frame laid over every finished picture of the demo.
 #pragma once
 
-#include "Picture.h"
+#include "Drawing.h"
 
 namespace texgen {
 

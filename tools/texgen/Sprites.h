@@ -2,7 +2,7 @@
 // them, and alpha that reaches exactly 0 before the border.
 #pragma once
 
-#include "Picture.h"
+#include "Drawing.h"
 
 namespace texgen {
 

@@ -1,8 +1,7 @@
 // Names, logos, their dye versions for the fluid, the loading screen and the launcher banner.
 #pragma once
 
-#include "Font.h"
-#include "Picture.h"
+#include "Drawing.h"
 
 #include <string>
 

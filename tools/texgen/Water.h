@@ -2,7 +2,7 @@
 // All four tile seamlessly: they are built from waves with whole numbers of cycles per tile.
 #pragma once
 
-#include "Picture.h"
+#include "Drawing.h"
 
 namespace texgen {
 

@@ -3,7 +3,9 @@
 #include "ContactSheet.h"
 #include "FluidPreview.h"
 
+#include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <iomanip>
@@ -15,29 +17,30 @@
 
 namespace {
 
-const char* const kDefaultFontFolder = "/usr/share/fonts/truetype/dejavu";
-
 struct Options {
     std::string outputFolder;
     std::string contactSheet;
-    std::string fontFolder = kDefaultFontFolder;
+    std::string fontFolder = raster::DefaultFontFolder;
     bool list = false;
     bool verbose = false;
 };
 
 void printUsage(std::ostream& out) {
     out << "Usage: texgen [options] OUTPUT_FOLDER\n"
+        << "       texgen --contact-sheet SHEET.png [options] [OUTPUT_FOLDER]\n"
         << "       texgen --list\n"
         << "\n"
         << "Draws every picture of the production into OUTPUT_FOLDER (created if missing).\n"
         << "\n"
         << "Options:\n"
-        << "  --contact-sheet FILE  also write one PNG that shows every picture\n"
-        << "  --font-dir FOLDER     where the DejaVu fonts are (default " << kDefaultFontFolder
-        << ")\n"
-        << "  --list                print the names of the pictures and exit\n"
-        << "  --verbose             print each picture's size and drawing time\n"
-        << "  --help                show this help and exit\n";
+        << "  --contact-sheet SHEET.png  also write one PNG that shows every picture; without\n"
+        << "                             OUTPUT_FOLDER the pictures are drawn into a temporary\n"
+        << "                             folder that is removed afterwards\n"
+        << "  --font-dir FOLDER          where the DejaVu fonts are (default "
+        << raster::DefaultFontFolder << ")\n"
+        << "  --list                     print the names of the pictures and exit\n"
+        << "  --verbose                  print each picture's size and drawing time\n"
+        << "  --help                     show this help and exit\n";
 }
 
 struct UsageError : std::runtime_error {
@@ -72,7 +75,7 @@ Options parse(int argc, char** argv) {
                              arg + "')");
         }
     }
-    if (!options.list && options.outputFolder.empty()) {
+    if (!options.list && options.outputFolder.empty() && options.contactSheet.empty()) {
         throw UsageError("no output folder given");
     }
     return options;
@@ -116,29 +119,48 @@ void addFluidPreviews(std::vector<texgen::SheetItem>& sheet,
     }
 }
 
+// A new folder under the system's temporary folder, removed with its contents at the end.
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "texgen-XXXXXX").string();
+        if (mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("cannot create a temporary folder '" + pattern +
+                                     "': " + std::strerror(errno));
+        }
+        path_ = pattern;
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    const std::string& path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
 double secondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-int run(const Options& options) {
+// Draws every picture into folder (the user's output folder or a temporary one).
+int drawAll(const Options& options, const std::string& folder) {
     const std::vector<texgen::PictureEntry> entries = texgen::catalogue();
-    if (options.list) {
-        for (const texgen::PictureEntry& entry : entries) {
-            std::cout << entry.file << "\n";
-        }
-        return 0;
-    }
     const auto start = std::chrono::steady_clock::now();
     const texgen::FontShelf fonts(options.fontFolder);
     fonts.loadAll();
-    makeFolder(options.outputFolder);
+    makeFolder(folder);
 
     std::vector<texgen::SheetItem> sheet;
     std::map<std::string, texgen::Picture> drawn;
     for (const texgen::PictureEntry& entry : entries) {
         const auto pictureStart = std::chrono::steady_clock::now();
         texgen::Picture picture = entry.make(fonts);
-        texgen::writePng(picture, options.outputFolder + "/" + entry.file);
+        texgen::writePng(picture, folder + "/" + entry.file);
         if (options.verbose) {
             std::cout << "  " << std::left << std::setw(24) << entry.file << std::right
                       << std::setw(5) << picture.width << " x " << std::left << std::setw(5)
@@ -157,9 +179,25 @@ int run(const Options& options) {
         addFluidPreviews(sheet, drawn);
         texgen::writePng(texgen::contactSheet(sheet, fonts.mono()), options.contactSheet);
     }
-    std::cout << "texgen: " << entries.size() << " pictures in '" << options.outputFolder << "' in "
-              << std::fixed << std::setprecision(2) << secondsSince(start) << " s\n";
+    std::cout << "texgen: " << entries.size() << " pictures "
+              << (options.outputFolder.empty() ? "on the contact sheet '" + options.contactSheet
+                                               : "in '" + options.outputFolder)
+              << "' in " << std::fixed << std::setprecision(2) << secondsSince(start) << " s\n";
     return 0;
+}
+
+int run(const Options& options) {
+    if (options.list) {
+        for (const texgen::PictureEntry& entry : texgen::catalogue()) {
+            std::cout << entry.file << "\n";
+        }
+        return 0;
+    }
+    if (!options.outputFolder.empty()) {
+        return drawAll(options, options.outputFolder);
+    }
+    const TemporaryFolder scratch;
+    return drawAll(options, scratch.path());
 }
 
 } // namespace

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace texgen {
+namespace raster {
 
 // One channel of floats; (x, y) with y = 0 the top row, as the picture file stores it.
 class Field {
@@ -63,6 +63,10 @@ private:
     std::vector<Rgba> pixels_;
 };
 
+// Paints colour over the canvas where coverage (its top-left corner at left, top) has ink, as
+// set text does; what falls outside the canvas is dropped.
+void paintCoverage(Canvas& canvas, const Field& coverage, int left, int top, Colour colour);
+
 enum class Edges { Zero, Wrap };
 
 // Separable Gaussian blur; Wrap keeps a tiling picture tiling.
@@ -75,4 +79,4 @@ Field distanceOutside(const Field& coverage);
 float clamp01(float v);
 float smoothstep(float edge0, float edge1, float x);
 
-} // namespace texgen
+} // namespace raster

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace texgen {
+namespace raster {
 
 struct Picture {
     Picture() = default;
@@ -39,4 +39,4 @@ Picture flippedVertically(const Picture& picture);
 // Throws std::runtime_error naming the file when it cannot be written.
 void writePng(const Picture& picture, const std::string& path);
 
-} // namespace texgen
+} // namespace raster

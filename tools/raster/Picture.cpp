@@ -7,7 +7,7 @@
 #include <fstream>
 #include <stdexcept>
 
-namespace texgen {
+namespace raster {
 
 Picture::Picture(int width, int height, int channels)
     : width(width), height(height), channels(channels),
@@ -93,4 +93,4 @@ void writePng(const Picture& picture, const std::string& path) {
     }
 }
 
-} // namespace texgen
+} // namespace raster

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-namespace texgen {
+namespace raster {
 
 Field::Field(int width, int height, float value)
     : width_(width), height_(height), values_(std::size_t(width) * height, value) {}
@@ -63,6 +63,18 @@ void Canvas::paintOver(int x, int y, Colour colour, float alpha) {
     p.g = (colour.g * alpha + p.g * below) / outAlpha;
     p.b = (colour.b * alpha + p.b * below) / outAlpha;
     p.a = outAlpha;
+}
+
+void paintCoverage(Canvas& canvas, const Field& coverage, int left, int top, Colour colour) {
+    const int firstX = std::max(0, -left);
+    const int firstY = std::max(0, -top);
+    const int endX = std::min(coverage.width(), canvas.width() - left);
+    const int endY = std::min(coverage.height(), canvas.height() - top);
+    for (int y = firstY; y < endY; ++y) {
+        for (int x = firstX; x < endX; ++x) {
+            canvas.paintOver(left + x, top + y, colour, coverage.at(x, y));
+        }
+    }
 }
 
 namespace {
@@ -194,4 +206,4 @@ float smoothstep(float edge0, float edge1, float x) {
     return t * t * (3.0f - 2.0f * t);
 }
 
-} // namespace texgen
+} // namespace raster

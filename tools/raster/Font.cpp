@@ -7,7 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
-namespace texgen {
+namespace raster {
 
 namespace {
 
@@ -178,4 +178,4 @@ void stampCentred(Field& target, const Field& stamp, float cx, float cy) {
              int(std::lround(cy - stamp.height() * 0.5f)));
 }
 
-} // namespace texgen
+} // namespace raster

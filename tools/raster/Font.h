@@ -9,7 +9,10 @@
 #include <string>
 #include <vector>
 
-namespace texgen {
+namespace raster {
+
+// Where fonts-dejavu-core installs the DejaVu faces.
+inline constexpr const char* DefaultFontFolder = "/usr/share/fonts/truetype/dejavu";
 
 struct TextStyle {
     float capHeight = 64.0f;        // height of a capital letter, in pixels
@@ -65,4 +68,4 @@ void stampMax(Field& target, const Field& stamp, int left, int top);
 // Pastes `stamp` centred on (cx, cy).
 void stampCentred(Field& target, const Field& stamp, float cx, float cy);
 
-} // namespace texgen
+} // namespace raster
