@@ -36,6 +36,7 @@
 
 #include <iostream>
 #include <memory>
+#include <regex>
 
 namespace {
 
@@ -64,7 +65,25 @@ bool ResourceLoader::fail(std::string message) {
 void ResourceLoader::addShaderParams(std::string& out, std::vector<std::string> params) {
     for (std::size_t i = 1; i < params.size(); ++i) {
         out += "#define " + params[i] + "\n";
+        sourceLines.push_back({"(the shader's parameters)", static_cast<int>(i)});
     }
+}
+
+// The compiler's first error with its line traced back through the includes to the file it
+// came from. Drivers write the line as "0:12(7): error", "ERROR: 0:12: ..." or "0(12) : ...".
+std::string ResourceLoader::locateFirstError(const std::string& log) const {
+    static const std::regex located(R"((?:ERROR: )?\d+[:(](\d+)\)?[:(]?[^\n]*)");
+    std::smatch match;
+    if (!std::regex_search(log, match, located)) {
+        return "";
+    }
+    const std::size_t line = std::stoul(match[1].str());
+    if (line < 1 || line > sourceLines.size()) {
+        return "";
+    }
+    const SourceLine& origin = sourceLines[line - 1];
+    return "First error in " + origin.file + ", line " + std::to_string(origin.line) + ": " +
+           match[0].str();
 }
 
 bool ResourceLoader::includeFailed(const std::string& line, const std::string& fileName,
@@ -77,20 +96,26 @@ bool ResourceLoader::shaderInclude(std::string& out, std::vector<std::string> li
     if (depth == 0) {
         includeCount = 0;
     }
+    int lineNumber = 0;
     for (const std::string& line : lines) {
-        if (line.size() < SHORTEST_INCLUDE || line[0] != '#') {
+        ++lineNumber;
+        auto keep = [&]() {
             out += line + "\n";
+            sourceLines.push_back({fileName, lineNumber});
+        };
+        if (line.size() < SHORTEST_INCLUDE || line[0] != '#') {
+            keep();
             continue;
         }
         StringTokenizer tokens(line, " ");
         if (tokens.countTokens() < 2) {
-            out += line + "\n";
+            keep();
             continue;
         }
         const std::string directive = StringUtils::trim(tokens.getNext());
         const std::string name = StringUtils::trim(tokens.getNext());
         if (directive != "#include") {
-            out += line + "\n";
+            keep();
             continue;
         }
         if (depth >= MAX_INCLUDE_DEPTH || includeCount >= MAX_INCLUDES) {
@@ -120,6 +145,7 @@ bool ResourceLoader::preprocess(std::string& source, const ResourceInfo::ShaderI
         const std::string kind = extension == ".vert" ? "Vertex" : "Fragement";
         return fail(kind + " shader '" + entry.file + extension + "' not found");
     }
+    sourceLines.clear();
     addShaderParams(source, entry.params);
     return shaderInclude(source, file->getAsLines(), KVTIO::ShaderPath, entry.file + extension, 0);
 }
@@ -131,7 +157,7 @@ bool ResourceLoader::loadShader(Shader* shader, ResourceInfo::ShaderInfo entry) 
     }
     if (!shader->setVertexSource(vertex)) {
         return fail("Error while compiling vertex shader\nShader: " + entry.file + ".vert\n" +
-                    shader->getErrorMessage());
+                    locateFirstError(shader->getErrorMessage()) + "\n" + shader->getErrorMessage());
     }
     std::string fragment;
     if (!preprocess(fragment, entry, ".frag")) {
@@ -139,7 +165,7 @@ bool ResourceLoader::loadShader(Shader* shader, ResourceInfo::ShaderInfo entry) 
     }
     if (!shader->setFragmentSource(fragment)) {
         return fail("Error while compiling fragment shader\nShader: " + entry.file + ".frag\n" +
-                    shader->getErrorMessage());
+                    locateFirstError(shader->getErrorMessage()) + "\n" + shader->getErrorMessage());
     }
     if (!shader->link()) {
         return fail("Error while linking shader pair\nShader: " + entry.file + "\n" +

@@ -97,6 +97,7 @@ private:
     bool loadBinaries();
     bool loadAnimations();
     void initEffects();
+    std::string locateFirstError(const std::string& log) const;
     bool checkMusicOffline();
     bool preprocess(std::string& source, const ResourceInfo::ShaderInfo& entry,
                     const std::string& extension);
@@ -107,6 +108,12 @@ private:
     bool valid = true;
     bool verbose = false;
     int includeCount = 0;
+    // Where each line of the shader source last preprocessed came from, for error messages.
+    struct SourceLine {
+        std::string file;
+        int line;
+    };
+    std::vector<SourceLine> sourceLines;
     double frameStepMs = 0.0;
     bool decodeMusicOffline = false;
 };

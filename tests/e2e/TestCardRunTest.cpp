@@ -211,6 +211,10 @@ TEST_F(TestCardRun, LoaderFailuresAreReportedAtShutdown) {
         {"resources/shaders/colour.inc", "Failed to include '#include colour.inc'", ""},
         {"resources/graphics/Check.png",
          "Failed to load texture!\nFile : 'resources/graphics/Check.png'", ""},
+        {"resources/shaders/colour.inc",
+         "Error while compiling fragment shader\nShader: flat.frag\nFirst error in colour.inc, "
+         "line 4: ",
+         "#ifndef BRIGHTNESS\n#define BRIGHTNESS 1.0\n#endif\nvec3 broken( {\n"},
         {"resources/tracks/index.list", "Track file 'resources/tracks/index.list' is missing", ""},
         {"resources/tracks/track.data", "Track file 'resources/tracks/track.data' is missing", ""},
         {"resources/tracks/index.list",
