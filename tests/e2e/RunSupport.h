@@ -1,6 +1,7 @@
 // What the end-to-end tests share: running a program and reading the pictures it writes.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <stb_image.h>
 
 #include <array>
@@ -32,6 +33,22 @@ inline Outcome runCommand(const std::string& command) {
     run.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return run;
 }
+
+// A test's own empty folder under the test temporary folder, named after the running test;
+// removed when the fixture ends.
+class TestFolder : public ::testing::Test {
+protected:
+    explicit TestFolder(const std::string& prefix)
+        : folder(std::filesystem::path(::testing::TempDir()) /
+                 (prefix + ::testing::UnitTest::GetInstance()->current_test_info()->name())) {}
+    void SetUp() override {
+        std::filesystem::remove_all(folder);
+        std::filesystem::create_directories(folder);
+    }
+    void TearDown() override { std::filesystem::remove_all(folder); }
+
+    std::filesystem::path folder;
+};
 
 struct Picture {
     int width = 0;

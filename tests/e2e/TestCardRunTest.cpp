@@ -43,16 +43,9 @@ void expectColour(const std::array<int, 3>& actual, int r, int g, int b, const s
     EXPECT_NEAR(actual[2], b, 4) << where;
 }
 
-class TestCardRun : public ::testing::Test {
+class TestCardRun : public e2e::TestFolder {
 protected:
-    void SetUp() override {
-        folder = fs::path(::testing::TempDir()) /
-                 ("brinova_e2e_" +
-                  std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(folder);
-        fs::create_directories(folder);
-    }
-    void TearDown() override { fs::remove_all(folder); }
+    TestCardRun() : TestFolder("brinova_e2e_") {}
 
     // A copy of the test card with its resources, to be damaged by a test.
     std::string copyOfTestCard() {
@@ -65,8 +58,6 @@ protected:
     std::string shot(const std::string& time, const std::string& name) {
         return "--shot " + time + "=" + (folder / name).string();
     }
-
-    fs::path folder;
 };
 
 } // namespace

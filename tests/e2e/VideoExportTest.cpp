@@ -20,23 +20,14 @@ using e2e::runCommand;
 
 const int SampleRate = 44100;
 
-class VideoExport : public ::testing::Test {
+class VideoExport : public e2e::TestFolder {
 protected:
-    void SetUp() override {
-        folder = fs::path(::testing::TempDir()) /
-                 ("brinova_video_" +
-                  std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(folder);
-        fs::create_directories(folder);
-    }
-    void TearDown() override { fs::remove_all(folder); }
+    VideoExport() : TestFolder("brinova_video_") {}
 
     Outcome testCard(const std::string& arguments, const std::string& environment = "") {
         return runCommand(environment + " " + TESTCARD_DEMO + " --no-launcher --size 320x180 " +
                           arguments);
     }
-
-    fs::path folder;
 };
 
 std::string probe(const fs::path& video, const std::string& stream, const std::string& entries) {
