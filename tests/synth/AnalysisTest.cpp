@@ -1,4 +1,5 @@
 #include "Analysis.h"
+#include "Loudness.h"
 #include "Oscillator.h"
 #include "Parser.h"
 #include "SignalHelpers.h"
@@ -161,4 +162,61 @@ TEST(Analysis, DrawsASpectrogramWithLabelledAxesAndSections) {
             << "the time label of " << seconds << " s";
     EXPECT_THROW(writeSpectrogram(clickTrack(120.0, 1.0), nullptr, "/nonexistent/x.png"),
                  std::runtime_error);
+}
+
+namespace {
+
+AudioBuffer sine(double hz, double amplitude, double seconds, double phase = 0.0) {
+    AudioBuffer audio;
+    for (long i = 0; i < std::lround(seconds * kRate); ++i)
+        audio.left.push_back(
+            static_cast<float>(amplitude * std::sin(2.0 * kPi * hz * i / kRate + phase)));
+    audio.right = audio.left;
+    return audio;
+}
+
+void append(AudioBuffer& audio, const AudioBuffer& more) {
+    audio.left.insert(audio.left.end(), more.left.begin(), more.left.end());
+    audio.right.insert(audio.right.end(), more.right.begin(), more.right.end());
+}
+
+} // namespace
+
+TEST(Loudness, KWeightedAndGatedAsTheStandardSays) {
+    // A 1 kHz sine at 0.1 on both sides is -20 LUFS.
+    AudioBuffer audio = sine(1000.0, 0.1, 10.0);
+    EXPECT_NEAR(LoudnessMeter(audio).integrated(0, audio.frames()), -20.0, 0.01);
+    // Silence falls under the absolute gate, a part 30 dB down under the relative one (only
+    // the blocks across the sine's end still count a little).
+    append(audio, sine(1000.0, 0.0, 10.0));
+    append(audio, sine(1000.0, 0.1 * std::pow(10.0, -1.5), 10.0));
+    const LoudnessMeter meter(audio);
+    EXPECT_NEAR(meter.integrated(0, audio.frames()), -20.0, 0.1);
+    EXPECT_NEAR(meter.integrated(20 * 44100, audio.frames()), -50.0, 0.02) << "alone it counts";
+    EXPECT_EQ(meter.integrated(11 * 44100, 20 * 44100), -HUGE_VAL) << "silence";
+    // The head's shelf lifts 10 kHz 3.3 dB over 1 kHz; the high-pass cuts 25 Hz by 11 dB.
+    const AudioBuffer treble = sine(10000.0, 0.1, 5.0), deep = sine(25.0, 0.1, 5.0);
+    EXPECT_NEAR(LoudnessMeter(treble).integrated(0, treble.frames()), -16.65, 0.05);
+    EXPECT_NEAR(LoudnessMeter(deep).integrated(0, deep.frames()), -31.1, 0.1);
+}
+
+TEST(Loudness, TruePeakFindsTheCrestBetweenSamples) {
+    // A quarter of the sample rate, 45 degrees off: every sample sits at 0.707 of the crest.
+    const AudioBuffer audio = sine(kRate / 4.0, 0.5, 1.0, kPi / 4.0);
+    const double samplePeak = toDb(measureLevels(audio, 0, audio.frames()).peak);
+    EXPECT_NEAR(samplePeak, -9.03, 0.01);
+    // Away from the abrupt start and end, which ring.
+    EXPECT_NEAR(LoudnessMeter(audio).truePeak(100, audio.frames() - 100), -6.02, 0.01);
+}
+
+TEST(Analysis, CountsLeadBarsThatRepeatAnEarlierBar) {
+    // Bar 3 is bar 1 played softer: still a repeat. Two passes: bars 5-8 repeat 1-4.
+    const Song song = parseSong("song\n tempo 120 length 16\nend\ninstrument lead pluck\nend\n"
+                                "pattern tune 1/4\n"
+                                " A4 C5 D5 - | E5 . . . | A4@0.5 C5 D5 - | E5 . . C5 |\nend\n"
+                                "arrange\n 1-8 lead tune\nend\n",
+                                "test.song");
+    const BarRepeats repeats = repeatedBars(song, song.instruments[0]);
+    EXPECT_EQ(repeats.bars, 8);
+    EXPECT_EQ(repeats.repeats, 5);
 }

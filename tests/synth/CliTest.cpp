@@ -108,7 +108,8 @@ TEST(CommandLine, AnalyzePrintsTheReport) {
     const std::string picture = synth_test::scratchPath("analyze.png");
     const Result result = run({"analyze", audio, "--song", song, "--spectrogram", picture});
     EXPECT_EQ(result.status, 0) << result.err;
-    for (const char* line : {"length     3.500 s", "tempo", "RMS dBFS", "spectrogram"})
+    for (const char* line : {"length     3.500 s", "tempo", "RMS dBFS", "LUFS integrated", "dBTP",
+                             "tone         0 of   1 bars", "spectrogram"})
         EXPECT_NE(result.out.find(line), std::string::npos) << line << "\n" << result.out;
     EXPECT_TRUE(exists(picture));
     std::remove(audio.c_str());

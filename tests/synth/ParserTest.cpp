@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 using namespace synth;
 
 namespace {
@@ -82,6 +80,37 @@ TEST(SongParser, ReadsSettingsInstrumentsAndNotes) {
     EXPECT_DOUBLE_EQ(bass.notes[5].beat, 12.0) << "the second repeat starts two bars later";
 }
 
+TEST(SongParser, GroovesSwingAccentAndFillAtPhraseEnds) {
+    const Song song = parseSong(kHeader + "instrument kick kick\n tune A1\nend\n"
+                                          "pattern hats 1/8 swing 60\n C4 C4 C4 - - C4 . .\nend\n"
+                                          "pattern loud 1/4\n x@0.5 x . x@0.25\nend\n"
+                                          "pattern roll 1/4\n D4 D4 D4 D4\nend\n"
+                                          "arrange\n 1-8 bass hats accent loud fill roll every 4"
+                                          "\nend\n",
+                                "test.song");
+    EXPECT_NEAR(song.instruments[1].params.get("tune"), 55.0, 1e-9) << "a drum tuned by note";
+    const std::vector<Note>& notes = song.instruments[0].notes;
+    // Off-beat eighths move to 60 % of their beat, and so do ends there; the accent mutes
+    // what starts on its rest (beat 3).
+    ASSERT_GE(notes.size(), 3u);
+    EXPECT_DOUBLE_EQ(notes[1].beat, 0.6);
+    EXPECT_DOUBLE_EQ(notes[1].length, 0.4);
+    EXPECT_DOUBLE_EQ(notes[2].beat, 1.0);
+    EXPECT_DOUBLE_EQ(notes[2].length, 1.6) << "held up to a swung off-beat, it ends there";
+    EXPECT_DOUBLE_EQ(notes[0].velocity, 0.5);
+    EXPECT_DOUBLE_EQ(notes[2].velocity, 1.0);
+    // Per bar three hats; bars 4 and 8 play the fill's four notes instead.
+    int hats = 0, fills = 0;
+    for (const Note& note : notes) {
+        const bool fill = note.key == parseNoteName("D4");
+        fills += fill;
+        hats += !fill;
+        EXPECT_EQ(fill, note.beat >= 12.0 && (note.beat < 16.0 || note.beat >= 28.0)) << note.beat;
+    }
+    EXPECT_EQ(hats, 3 * 6);
+    EXPECT_EQ(fills, 2 * 4);
+}
+
 TEST(SongParser, AutomationPointsUseBarsAndBeats) {
     const Song song = parseSong(kHeader + "automate bass cutoff\n"
                                           "    1     200\n"
@@ -132,6 +161,7 @@ TEST(SongParser, PatternErrorsPointAtTheToken) {
     expectError("pattern p 1/4\n  C4 . . . | . .\nend\n", 8, 16, "this bar holds 2 steps");
     expectError("pattern p 1/4\n  C4 . .\nend\n", 7, 9, "lasts 0.75 bars");
     expectError("pattern p 1/x\n  C4\nend\n", 7, 11, "not a step length");
+    expectError("pattern p 1/8 swing 80\n  C4\nend\n", 7, 21, "out of range for a swing");
     expectError("pattern p 1/4\n  x x x x\nend\npattern p 1/4\n  x x x x\nend\n", 10, 9,
                 "defined twice");
 }
@@ -147,6 +177,11 @@ TEST(SongParser, ArrangementErrorsPointAtTheToken) {
     expectError(pattern + "arrange\n  1 bass two +1.5\nend\n", 11, 14, "whole number of semitones");
     expectError(pattern + "arrange\n  1 bass two -70\nend\n", 11, 14, "out of range");
     expectError(pattern + "arrange\n  1 bass\nend\n", 11, 10, "bars, instrument and pattern");
+    expectError(pattern + "arrange\n  1-4 bass two fill\nend\n", 11, 21, "needs a pattern");
+    expectError(pattern + "arrange\n  1-4 bass two fill two 8\nend\n", 11, 25, "its phrase");
+    expectError(pattern + "arrange\n  1-4 bass two fill two every 1\nend\n", 11, 31,
+                "at least as many");
+    expectError(pattern + "arrange\n  1-4 bass two accent one\nend\n", 11, 23, "unknown pattern");
 }
 
 TEST(SongParser, AutomationAndSectionErrorsPointAtTheToken) {
@@ -179,39 +214,5 @@ TEST(SongParser, MissingFileIsNamed) {
     } catch (const SongError& error) {
         EXPECT_EQ(std::string(error.what()),
                   "/nonexistent/dir/song.txt: cannot open the song file");
-    }
-}
-
-// The production's song follows the creative brief: its tempo, length, bars and key.
-TEST(ProductionSong, FitsTheProductionsTimeline) {
-    const Song song = loadSong(BRINOVA_SONG_FILE);
-    EXPECT_EQ(song.tempo, 120.0);
-    EXPECT_EQ(song.beatsPerBar, 4);
-    EXPECT_EQ(song.sampleRate, 44100);
-    EXPECT_EQ(song.lengthFrames(), 6652485) << "150.850 s";
-    const std::pair<int, double> starts[] = {{1, 0.0},   {9, 16.0},  {25, 48.0},
-                                             {33, 64.0}, {49, 96.0}, {65, 128.0}};
-    ASSERT_EQ(song.sections.size(), 6u);
-    for (size_t i = 0; i < song.sections.size(); ++i) {
-        EXPECT_EQ(song.sections[i].firstBar, starts[i].first);
-        EXPECT_DOUBLE_EQ(song.barToSeconds(song.sections[i].firstBar), starts[i].second);
-    }
-}
-
-TEST(ProductionSong, EveryPitchedNoteIsInDMinor) {
-    // D natural minor, plus C# (the leading tone of the A major chord) and F# (the final
-    // D major chord).
-    const int allowed[] = {2, 4, 5, 7, 9, 10, 0, 1, 6};
-    const Song song = loadSong(BRINOVA_SONG_FILE);
-    for (const Instrument& instrument : song.instruments) {
-        if (instrument.kind != InstrumentKind::Synth && instrument.kind != InstrumentKind::Pluck)
-            continue;
-        for (const Note& note : instrument.notes) {
-            EXPECT_NE(std::find(std::begin(allowed), std::end(allowed), note.key % 12),
-                      std::end(allowed))
-                << instrument.name << " key " << note.key << " at beat " << note.beat;
-            // Held notes may run past the end, under the final fade; none may start there.
-            EXPECT_LT(note.beat, song.lengthSeconds / song.secondsPerBeat());
-        }
     }
 }

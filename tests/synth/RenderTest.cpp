@@ -85,6 +85,20 @@ double partialNear(const std::vector<float>& samples, double expected) {
     return (static_cast<double>(peak) + 0.5 * (a - c) / (a - 2.0 * b + c)) * binHz;
 }
 
+// The mean frequency between the first and the last rising zero crossing, each placed
+// between samples by a straight line.
+double frequencyByCrossings(const std::vector<float>& samples) {
+    double first = -1.0, last = -1.0;
+    int periods = -1;
+    for (size_t i = 1; i < samples.size(); ++i)
+        if (samples[i - 1] < 0.0f && samples[i] >= 0.0f) {
+            last = i - 1 + samples[i - 1] / (samples[i - 1] - samples[i]);
+            first = first < 0.0 ? last : first;
+            ++periods;
+        }
+    return periods * kRate / (last - first);
+}
+
 } // namespace
 
 TEST(Render, SameSongGivesTheSameSamplesOnAnyNumberOfThreads) {
@@ -188,4 +202,40 @@ TEST(Render, DuckingDipsUnderEachKick) {
     const double dipped = measureLevels(audio, 22050 + 441, 22050 + 1323).peak;
     const double recovered = measureLevels(audio, 44100 - 1323, 44100 - 441).peak;
     EXPECT_LT(dipped, 0.5 * recovered);
+}
+
+TEST(Render, KickTailRingsOnItsTunedNote) {
+    for (const std::string note : {"A1", "D2"}) {
+        const AudioBuffer audio = renderSong(songWith(
+            "instrument kick kick\n tune " + note +
+                " punch 200 pitchdecay 0.04 decay 0.5 click 0\nend\npattern p 1\n x\nend\n",
+            " 1 kick p\n"));
+        // From the landing of the pitch drop on, the waves are exactly one period apart.
+        const double expected = midiToHz(parseNoteName(note));
+        const double cents =
+            1200.0 * std::log2(frequencyByCrossings(slice(audio, 0.17, 0.4)) / expected);
+        EXPECT_NEAR(cents, 0.0, 2.0) << note;
+    }
+}
+
+TEST(Render, CrashRingsLongBrightAndWide) {
+    const AudioBuffer audio = renderSong(songWith(
+        "instrument crash crash\n decay 1.2\nend\npattern p 1\n x\nend\n", " 1 crash p\n", 4.0));
+    const double smash = measureLevels(audio, 0, 4410).rms;
+    const double second = measureLevels(audio, 44100, 48510).rms;
+    EXPECT_GT(second, smash / 30.0) << "still ringing a second later";
+    EXPECT_LT(measureLevels(audio, 3 * 44100, 3 * 44100 + 4410).rms, second / 3.0);
+    const std::vector<double> spectrum = magnitudeSpectrum(slice(audio, 0.1, 1.0).data(), 32768);
+    double total = 0.0, treble = 0.0;
+    for (size_t k = 0; k < spectrum.size(); ++k) {
+        total += spectrum[k] * spectrum[k];
+        treble += k * kRate / 32768 > 2000.0 ? spectrum[k] * spectrum[k] : 0.0;
+    }
+    EXPECT_GT(treble / total, 0.95) << "a cymbal, no thud";
+    double both = 0.0, power = 0.0;
+    for (size_t i = 4410; i < 88200; ++i) {
+        both += audio.left[i] * audio.right[i];
+        power += audio.left[i] * audio.left[i];
+    }
+    EXPECT_LT(both / power, 0.8) << "each side has its own noise";
 }

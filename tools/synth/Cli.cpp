@@ -2,6 +2,7 @@
 
 #include "Analysis.h"
 #include "AudioFile.h"
+#include "Loudness.h"
 #include "Parser.h"
 #include "Renderer.h"
 #include "Spectrogram.h"
@@ -27,7 +28,8 @@ const char* const kUsage =
     "render   synthesizes the song and writes it; the format follows the output's extension\n"
     "check    reads the song and reports its first error, writing nothing\n"
     "analyze  prints length, levels per section (taken from the song) and the tempo found\n"
-    "         by onset detection, and draws a spectrogram\n";
+    "         by onset detection, loudness (LUFS) and true peak per section, the bars of\n"
+    "         each pitched instrument that repeat an earlier one, and draws a spectrogram\n";
 
 class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
@@ -134,7 +136,11 @@ int analyze(const std::vector<std::string>& args, std::ostream& out) {
         song = std::make_unique<Song>(loadSong(*path));
     const AudioBuffer audio = readAudio(options.positional);
     out << "file       " << options.positional << "\n";
-    printReport(analyse(audio, song.get()), out);
+    const AnalysisReport report = analyse(audio, song.get());
+    printReport(report, out);
+    printLoudness(measureLoudness(audio, report.sections), out);
+    if (song)
+        printRepeats(*song, out);
     if (const std::string* picture = options.get("--spectrogram")) {
         writeSpectrogram(audio, song.get(), *picture);
         out << "spectrogram " << *picture << "\n";

@@ -49,8 +49,9 @@ Limiter::Limiter(double ceilingDb, double lookaheadSeconds, double releaseSecond
     : ceiling(std::pow(10.0, ceilingDb / 20.0)),
       window(std::max(1, static_cast<int>(std::lround(lookaheadSeconds * sampleRate)))),
       releaseFactor(factorFor(releaseSeconds, sampleRate)),
-      delayLeft(static_cast<size_t>(window), 0.0f), delayRight(static_cast<size_t>(window), 0.0f),
-      recent(static_cast<size_t>(window), 1.0), recentSum(window) {}
+      delayLeft(static_cast<size_t>(latency()), 0.0f),
+      delayRight(static_cast<size_t>(latency()), 0.0f), recent(static_cast<size_t>(window), 1.0),
+      recentSum(window) {}
 
 double Limiter::windowMinimum(double need) {
     while (!minima.empty() && minima.back().second >= need)
@@ -63,7 +64,8 @@ double Limiter::windowMinimum(double need) {
 
 void Limiter::process(float* left, float* right, int frames) {
     for (int n = 0; n < frames; ++n) {
-        const double peak = std::max(std::fabs(left[n]), std::fabs(right[n]));
+        // The need of the sample TruePeakDetector::latency() back, whose neighbours are known.
+        const double peak = std::max(peakLeft.push(left[n]), peakRight.push(right[n]));
         const double need = peak > ceiling ? ceiling / peak : 1.0;
         // Falls at once, recovers slowly; never above the window's minimum need.
         const double minimum = windowMinimum(need);
@@ -77,7 +79,7 @@ void Limiter::process(float* left, float* right, int frames) {
         const float outRight = delayRight[static_cast<size_t>(delayIndex)];
         delayLeft[static_cast<size_t>(delayIndex)] = left[n];
         delayRight[static_cast<size_t>(delayIndex)] = right[n];
-        delayIndex = (delayIndex + 1) % window;
+        delayIndex = (delayIndex + 1) % latency();
         left[n] = static_cast<float>(outLeft * gain);
         right[n] = static_cast<float>(outRight * gain);
         ++index;

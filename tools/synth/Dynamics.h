@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TruePeak.h"
+
 #include <deque>
 #include <vector>
 
@@ -21,16 +23,18 @@ private:
     double envelopeDb = -120.0;
 };
 
-// Look-ahead brick-wall limiter. The signal is delayed by a window of W samples; the gain
-// applied to a sample is the average of the last W window minima of the needed gain, and each
-// of those windows (W + 1 samples) contains that sample, so the output never exceeds the
-// ceiling, yet the gain moves smoothly.
+// Look-ahead brick-wall limiter on true peaks. The signal is delayed by a window of W samples
+// (and the few the true-peak interpolation needs); the gain applied to a sample is the average
+// of the last W window minima of the needed gain, and each of those windows (W + 1 samples)
+// contains that sample, so the output never exceeds the ceiling, yet the gain moves smoothly.
+// The need comes from the peaks between samples as well as the samples, so the reconstructed
+// wave stays under the ceiling too.
 class Limiter {
 public:
     Limiter(double ceilingDb, double lookaheadSeconds, double releaseSeconds, double sampleRate);
     // Works in place; the output is late by latency() frames.
     void process(float* left, float* right, int frames);
-    int latency() const { return window; }
+    int latency() const { return window + TruePeakDetector::latency(); }
 
 private:
     double windowMinimum(double need);
@@ -38,6 +42,7 @@ private:
     double ceiling;
     int window;
     double releaseFactor;
+    TruePeakDetector peakLeft, peakRight;
     std::vector<float> delayLeft, delayRight;
     int delayIndex = 0;
     // Monotonic queue of (index, need) for the sliding minimum.

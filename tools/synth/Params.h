@@ -19,6 +19,8 @@ struct ParamSpec {
     std::vector<std::string> words;
     bool automatable = false;
     Interpolation interpolation = Interpolation::Linear;
+    // A frequency in Hz that may also be written as a note name ("tune D2").
+    bool pitch = false;
 };
 
 // Values for a fixed list of parameters, every one present with its default until set.

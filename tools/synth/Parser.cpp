@@ -1,5 +1,7 @@
 #include "Parser.h"
 
+#include "Oscillator.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -228,6 +230,14 @@ private:
             fail(token, "unknown value '" + token.text + "' for '" + param.name + "' (expected " +
                             joinWords(param.words) + ")");
         }
+        if (param.pitch && parseNoteName(token.text) >= 0) {
+            const double hz = midiToHz(parseNoteName(token.text));
+            if (hz < param.minimum || hz > param.maximum)
+                fail(token, token.text + " is out of range for '" + param.name + "' (" +
+                                formatNumber(param.minimum) + " to " + formatNumber(param.maximum) +
+                                " Hz)");
+            return hz;
+        }
         return numberIn(token, param.minimum, param.maximum, "'" + param.name + "'");
     }
 
@@ -302,7 +312,13 @@ private:
     }
 
     void readPattern(const Block& block) {
-        expectHeader(block, 2, "a name and a step length, as in 'pattern bass 1/8'");
+        const std::vector<Token>& header = block.header.tokens;
+        const bool swung = header.size() > 3 && header[3].text == "swing";
+        expectHeader(block, swung ? 4 : 2,
+                     swung ? "a swing in percent, as in 'pattern hats 1/16 swing 58'"
+                           : "a name and a step length, as in 'pattern bass 1/8'");
+        const double swingPercent =
+            swung ? numberIn(header[4], 50.0, 75.0, "a swing in percent") : 50.0;
         const Token& nameToken = block.header.tokens[1];
         const std::string name = newName(nameToken, "pattern");
         if (patterns.count(name))
@@ -348,7 +364,24 @@ private:
             fail(nameToken, "pattern '" + name + "' lasts " + formatNumber(pattern.bars) +
                                 " bars; a pattern must fill whole bars");
         pattern.bars = std::round(pattern.bars);
+        if (swung)
+            swing(pattern, step, swingPercent);
         patterns[name] = pattern;
+    }
+
+    // Moves every second step later, so it falls at `percent` of its pair of steps instead of
+    // half way: starts and ends on those steps move, the rest stays.
+    static void swing(Pattern& pattern, double step, double percent) {
+        const double shift = (percent / 50.0 - 1.0) * step;
+        const auto swung = [&](double beat) {
+            const long index = std::lround(beat / step);
+            return beat + (index % 2 == 1 ? shift : 0.0);
+        };
+        for (PatternNote& note : pattern.notes) {
+            const double end = swung(note.beat + note.length);
+            note.beat = swung(note.beat);
+            note.length = end - note.beat;
+        }
     }
 
     void checkBar(const Token& at, int steps, double stepsPerBar, const std::string& step) const {
@@ -470,7 +503,12 @@ private:
                                std::to_string(patternBars) + "-bar pattern '" +
                                line.tokens[2].text + "'");
             const Modifiers modifiers = readModifiers(line);
-            place(pattern, instrument, first, span / patternBars, modifiers);
+            const std::vector<int> fills = fillStarts(first, last, modifiers);
+            place(pattern, instrument, first, span / patternBars, modifiers, fills);
+            Modifiers plain = modifiers;
+            plain.accent = plain.fill = nullptr;
+            for (int fillBar : fills)
+                place(*modifiers.fill, instrument, fillBar, 1, plain, {});
         }
     }
 
@@ -478,13 +516,34 @@ private:
         int transpose = 0;
         double velocity = 1.0;
         const Token* transposeToken = nullptr;
+        const Pattern* accent = nullptr; // velocities step by step, repeating over the bars
+        const Pattern* fill = nullptr;   // played instead at the end of every phrase
+        int phraseBars = 0;
     };
 
+    // After the pattern: +N or -N semitones, @velocity, "accent PATTERN" and
+    // "fill PATTERN every BARS".
     Modifiers readModifiers(const Line& line) const {
         Modifiers modifiers;
         for (size_t i = 3; i < line.tokens.size(); ++i) {
             const Token& token = line.tokens[i];
-            if (token.text[0] == '@') {
+            if (token.text == "accent") {
+                modifiers.accent = &patternAfter(line, i, "'accent' needs a pattern of velocities");
+            } else if (token.text == "fill") {
+                const std::string usage = "'fill' needs a pattern and its phrase, as in "
+                                          "'fill snare_fill every 8'";
+                modifiers.fill = &patternAfter(line, i, usage);
+                if (i + 1 < line.tokens.size() && line.tokens[i + 1].text != "every")
+                    fail(line.tokens[i + 1], usage);
+                if (i + 2 >= line.tokens.size())
+                    failAtEnd(line, usage);
+                i += 2;
+                const double phrase = numberIn(line.tokens[i], 1.0, totalBars, "a phrase");
+                if (phrase != std::floor(phrase) || phrase < modifiers.fill->bars)
+                    fail(line.tokens[i], "a phrase is a whole number of bars, at least as many "
+                                         "as its fill lasts");
+                modifiers.phraseBars = static_cast<int>(phrase);
+            } else if (token.text[0] == '@') {
                 const Token value{token.text.substr(1), token.line, token.column + 1};
                 modifiers.velocity = numberIn(value, 0.0, 2.0, "a velocity scale");
             } else if (token.text[0] == '+' || token.text[0] == '-') {
@@ -494,28 +553,68 @@ private:
                 modifiers.transpose = static_cast<int>(semitones);
                 modifiers.transposeToken = &token;
             } else {
-                fail(token,
-                     "unexpected '" + token.text + "' (expected +N or -N semitones, or @velocity)");
+                fail(token, "unexpected '" + token.text +
+                                "' (expected +N or -N semitones, @velocity, accent or fill)");
             }
         }
         return modifiers;
     }
 
+    // The pattern named by the token after `i`, which moves on to it.
+    const Pattern& patternAfter(const Line& line, size_t& i, const std::string& usage) const {
+        if (++i == line.tokens.size())
+            failAtEnd(line, usage);
+        const auto found = patterns.find(line.tokens[i].text);
+        if (found == patterns.end())
+            fail(line.tokens[i], "unknown pattern '" + line.tokens[i].text + "'");
+        return found->second;
+    }
+
+    // The first bar of each fill: the last bars of every whole phrase from `first` to `last`.
+    static std::vector<int> fillStarts(int first, int last, const Modifiers& modifiers) {
+        std::vector<int> starts;
+        if (!modifiers.fill)
+            return starts;
+        const int fillBars = static_cast<int>(modifiers.fill->bars);
+        for (int phrase = first; phrase + modifiers.phraseBars - 1 <= last;
+             phrase += modifiers.phraseBars)
+            starts.push_back(phrase + modifiers.phraseBars - fillBars);
+        return starts;
+    }
+
+    // The accent's velocity at a beat counted from where it starts; 0 on its rests.
+    double accentAt(const Pattern& accent, double beat) const {
+        const double place = std::fmod(beat, accent.bars * song.beatsPerBar) + 1e-9;
+        for (const PatternNote& step : accent.notes)
+            if (step.beat <= place && place < step.beat + step.length)
+                return step.velocity;
+        return 0.0;
+    }
+
+    // Repeats of the pattern from `firstBar`, except in the bars that fills take.
     void place(const Pattern& pattern, int instrument, int firstBar, int repeats,
-               const Modifiers& modifiers) {
+               const Modifiers& modifiers, const std::vector<int>& fills) {
         std::vector<Note>& notes = song.instruments[static_cast<size_t>(instrument)].notes;
-        for (int r = 0; r < repeats; ++r) {
-            const double offset = song.barToBeat(firstBar + r * pattern.bars);
-            for (const PatternNote& event : pattern.notes)
+        const double start = song.barToBeat(firstBar);
+        for (int r = 0; r < repeats; ++r)
+            for (const PatternNote& event : pattern.notes) {
+                const double beat = r * pattern.bars * song.beatsPerBar + event.beat;
+                const int bar = firstBar + static_cast<int>(std::floor(beat / song.beatsPerBar));
+                const bool filled = std::any_of(fills.begin(), fills.end(), [&](int fill) {
+                    return bar >= fill && bar < fill + modifiers.fill->bars;
+                });
+                const double accent = modifiers.accent ? accentAt(*modifiers.accent, beat) : 1.0;
+                if (filled || accent <= 0.0)
+                    continue;
                 for (int key : event.keys) {
                     const int moved = key + modifiers.transpose;
                     if (moved < 0 || moved > 127)
                         fail(*modifiers.transposeToken,
                              "transposing takes a note outside MIDI keys 0-127");
-                    notes.push_back({offset + event.beat, event.length, moved,
-                                     event.velocity * modifiers.velocity});
+                    notes.push_back({start + beat, event.length, moved,
+                                     event.velocity * modifiers.velocity * accent});
                 }
-        }
+            }
     }
 
     void readAutomation(const Block& block) {

@@ -12,10 +12,11 @@ struct KindName {
 };
 
 constexpr KindName kKinds[] = {
-    {InstrumentKind::Synth, "synth"}, {InstrumentKind::Pluck, "pluck"},
-    {InstrumentKind::Kick, "kick"},   {InstrumentKind::Snare, "snare"},
-    {InstrumentKind::Clap, "clap"},   {InstrumentKind::Hat, "hat"},
-    {InstrumentKind::Sweep, "sweep"}, {InstrumentKind::Impact, "impact"},
+    {InstrumentKind::Synth, "synth"},   {InstrumentKind::Pluck, "pluck"},
+    {InstrumentKind::Kick, "kick"},     {InstrumentKind::Snare, "snare"},
+    {InstrumentKind::Clap, "clap"},     {InstrumentKind::Hat, "hat"},
+    {InstrumentKind::Crash, "crash"},   {InstrumentKind::Sweep, "sweep"},
+    {InstrumentKind::Impact, "impact"},
 };
 
 ParamSpec automated(ParamSpec param, Interpolation interpolation = Interpolation::Linear) {
@@ -104,6 +105,15 @@ std::vector<ParamSpec> hatParams() {
     };
 }
 
+std::vector<ParamSpec> crashParams() {
+    return {
+        {"decay", 1.2, 0.1, 6.0, {}},
+        {"tone", 3500.0, 1000.0, 12000.0, {}},
+        {"metal", 0.35, 0.0, 1.0, {}},
+        {"width", 0.7, 0.0, 1.0, {}},
+    };
+}
+
 std::vector<ParamSpec> sweepParams() {
     return {
         {"from", 200.0, 20.0, 20000.0, {}}, {"to", 8000.0, 20.0, 20000.0, {}},
@@ -119,6 +129,13 @@ std::vector<ParamSpec> impactParams() {
         {"noise", 0.5, 0.0, 1.0, {}},           {"noisedecay", 0.6, 0.05, 4.0, {}},
         {"cutoff", 2500.0, 100.0, 16000.0, {}},
     };
+}
+
+// A drum's "tune" takes Hz or a note.
+std::vector<ParamSpec> tunedByNote(std::vector<ParamSpec> specs) {
+    for (ParamSpec& param : specs)
+        param.pitch = param.name == "tune";
+    return specs;
 }
 
 std::vector<ParamSpec> withMixer(std::vector<ParamSpec> specs) {
@@ -140,9 +157,15 @@ bool kindFromName(const std::string& name, InstrumentKind& kind) {
 
 const std::vector<ParamSpec>& instrumentParams(InstrumentKind kind) {
     static const std::vector<ParamSpec> tables[] = {
-        withMixer(synthParams()), withMixer(pluckParams()),  withMixer(kickParams()),
-        withMixer(snareParams()), withMixer(clapParams()),   withMixer(hatParams()),
-        withMixer(sweepParams()), withMixer(impactParams()),
+        withMixer(synthParams()),
+        withMixer(pluckParams()),
+        withMixer(tunedByNote(kickParams())),
+        withMixer(tunedByNote(snareParams())),
+        withMixer(clapParams()),
+        withMixer(hatParams()),
+        withMixer(crashParams()),
+        withMixer(sweepParams()),
+        withMixer(tunedByNote(impactParams())),
     };
     return tables[static_cast<int>(kind)];
 }

@@ -7,7 +7,7 @@
 
 namespace synth {
 
-enum class InstrumentKind { Synth, Pluck, Kick, Snare, Clap, Hat, Sweep, Impact };
+enum class InstrumentKind { Synth, Pluck, Kick, Snare, Clap, Hat, Crash, Sweep, Impact };
 
 // A note placed in time, in beats from the start of the song.
 struct Note {

@@ -47,6 +47,11 @@ Track::Setting Track::setting(const char* param) const {
 }
 
 void Track::render(long startFrame, int frames) {
+    // Between notes, with every voice and the chorus run out, there is nothing to do.
+    if (!playedBefore && idleUntil(startFrame + frames)) {
+        silent = true;
+        return;
+    }
     output.clear(frames);
     bool played = false;
     for (int offset = 0; offset < frames; offset += kControlFrames) {
@@ -82,6 +87,12 @@ bool Track::playVoices(long startFrame, int frames, float* left, float* right) {
         frame = until;
     }
     return played;
+}
+
+bool Track::idleUntil(long frame) const {
+    const bool noteComing = nextNote < notes.size() && notes[nextNote].start < frame;
+    return !noteComing && std::all_of(slots.begin(), slots.end(),
+                                      [](const Slot& slot) { return slot.voice->finished(); });
 }
 
 long Track::nextEvent(long from, long limit) const {

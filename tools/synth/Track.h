@@ -57,6 +57,8 @@ private:
         bool stolen = false;
     };
 
+    // No voice sounds and no note starts before `frame`.
+    bool idleUntil(long frame) const;
     // Whether any voice sounded.
     bool playVoices(long startFrame, int frames, float* left, float* right);
     long nextEvent(long from, long limit) const;

@@ -342,17 +342,21 @@ public:
         const double attackFrames = 0.0005 * sampleRate;
         for (int n = 0; n < frames; ++n) {
             const double attack = std::min(1.0, (age + 1) / attackFrames);
-            const float value = static_cast<float>(next() * velocity * attack * fade);
+            const double gain = velocity * attack * fade;
+            const double mid = next();
+            const double difference = side();
             fade = std::max(0.0, fade - fadeStep);
-            left[n] += value;
-            right[n] += value;
+            left[n] += static_cast<float>((mid + difference) * gain);
+            right[n] += static_cast<float>((mid - difference) * gain);
             ++age;
         }
     }
 
 protected:
     virtual void begin() = 0;
+    // The next sample of the middle; then side(), added on the left and taken off the right.
     virtual double next() = 0;
+    virtual double side() const { return 0.0; }
     virtual bool decayed() const = 0;
 
     double sampleRate;
@@ -364,7 +368,9 @@ private:
     double fade = 1.0, fadeStep = 0.0;
 };
 
-// A sine whose pitch falls quickly from `punch` to `tune`: the body of kicks and impacts.
+// A sine whose pitch falls quickly from `punch` to `tune`: the body of kicks and impacts. The
+// fall is exponential with the given time constant, bent so that it lands exactly on `tune`
+// after four of them, and the ringing tail is in tune instead of a little sharp.
 class PitchDrop {
 public:
     void setup(double fromHz, double toHz, double dropSeconds, double rate) {
@@ -377,13 +383,16 @@ public:
     }
     double next() {
         const double value = sineOfPhase(phase);
-        phase += (end + (start - end) * envelope) / sampleRate;
+        const double excursion = std::max(0.0, (envelope - kLanding) / (1.0 - kLanding));
+        phase += (end + (start - end) * excursion) / sampleRate;
         phase -= std::floor(phase);
         envelope *= factor;
         return value;
     }
 
 private:
+    // exp(-4): where the plain exponential stands when the pitch lands.
+    static constexpr double kLanding = 0.01831563888873418;
     double start = 0.0, end = 0.0, factor = 0.0, sampleRate = 44100.0;
     double envelope = 1.0, phase = 0.0;
 };
@@ -489,17 +498,33 @@ private:
     double level = 1.0;
 };
 
-class HatVoice : public HitVoice {
+// Six square waves at clashing pitches: the metallic ring of a cymbal, about as loud as noise.
+class MetalRing {
 public:
-    HatVoice(const ParamSet& p, double rate)
-        : HitVoice(rate), decay(p.get("decay")), metal(p.get("metal")) {
-        highPass.setup(p.get("tone"), 0.9, rate);
-        // Six square waves at clashing pitches give the metallic ring of a cymbal.
+    MetalRing(double scale, double rate) {
         const double pitches[kPartials] = {205.3, 304.4, 369.6, 522.7, 540.0, 800.0};
         for (int i = 0; i < kPartials; ++i) {
             partials[i].setWaveform(Waveform::Square);
-            partials[i].setFrequency(pitches[i], rate);
+            partials[i].setFrequency(pitches[i] * scale, rate);
         }
+    }
+    double next() {
+        double ring = 0.0;
+        for (Oscillator& partial : partials)
+            ring += partial.next();
+        return ring / 3.0;
+    }
+
+private:
+    static constexpr int kPartials = 6;
+    Oscillator partials[kPartials];
+};
+
+class HatVoice : public HitVoice {
+public:
+    HatVoice(const ParamSet& p, double rate)
+        : HitVoice(rate), decay(p.get("decay")), metal(p.get("metal")), ring(1.0, rate) {
+        highPass.setup(p.get("tone"), 0.9, rate);
     }
 
 private:
@@ -509,21 +534,72 @@ private:
         highPass.reset();
     }
     double next() override {
-        double ring = 0.0;
-        for (Oscillator& partial : partials)
-            ring += partial.next();
-        const double source = (1.0 - metal) * noise.next() + metal * ring / 3.0;
-        const double out = highPass.process(source).high * amp;
+        // A pure noise hat (a shaker) skips the ring's oscillators.
+        const double metallic = metal > 0.0 ? metal * ring.next() : 0.0;
+        const double out = highPass.process((1.0 - metal) * noise.next() + metallic).high * amp;
         amp *= ampFactor;
         return out;
     }
     bool decayed() const override { return amp < kInaudible; }
 
-    static constexpr int kPartials = 6;
     double decay, metal;
-    Oscillator partials[kPartials];
+    MetalRing ring;
     StateVariableFilter highPass;
     double amp = 0.0, ampFactor = 0.0;
+};
+
+// A crash cymbal: a bright smash that settles into a long shimmering wash, wide in stereo
+// (its own noise on each side) and darkening as it fades.
+class CrashVoice : public HitVoice {
+public:
+    CrashVoice(const ParamSet& p, double rate)
+        : HitVoice(rate), decay(p.get("decay")), tone(p.get("tone")), metal(p.get("metal")),
+          width(p.get("width")), ring(1.7, rate) {
+        midHighPass.setup(tone, 0.7071, rate);
+        sideHighPass.setup(tone, 0.7071, rate);
+    }
+
+private:
+    void begin() override {
+        sideNoise.reseed(mixSeed(static_cast<uint32_t>(noise.unit() * 4294967296.0), 7));
+        midHighPass.reset();
+        sideHighPass.reset();
+        smash = 1.0;
+        wash = kWashLevel;
+        smashFactor = decayFactor(kSmashSeconds, sampleRate);
+        washFactor = decayFactor(decay, sampleRate);
+        darkening = decayFactor(decay * 0.5, sampleRate);
+        brightness = 1.0;
+    }
+    double next() override {
+        if (age % kRetuneFrames == 0) {
+            // The top closes in from far above the tone towards it as the cymbal calms down.
+            const double top = tone * (1.5 + 4.0 * brightness);
+            midLowPass.setup(top, sampleRate);
+            sideLowPass.setup(top, sampleRate);
+        }
+        const double amp = smash + wash;
+        const double mid = (1.0 - metal) * noise.next() + metal * ring.next();
+        const double difference = width * (1.0 - metal) * sideNoise.next();
+        sideValue = sideLowPass.process(sideHighPass.process(difference).high) * amp;
+        smash *= smashFactor;
+        wash *= washFactor;
+        brightness *= darkening;
+        return midLowPass.process(midHighPass.process(mid).high) * amp;
+    }
+    double side() const override { return sideValue; }
+    bool decayed() const override { return smash + wash < kInaudible; }
+
+    static constexpr double kSmashSeconds = 0.06;
+    static constexpr double kWashLevel = 0.45;
+    static constexpr long kRetuneFrames = 64;
+    double decay, tone, metal, width;
+    MetalRing ring;
+    Noise sideNoise;
+    StateVariableFilter midHighPass, sideHighPass;
+    OnePoleLowPass midLowPass, sideLowPass;
+    double smash = 0.0, wash = 0.0, smashFactor = 0.0, washFactor = 0.0;
+    double brightness = 1.0, darkening = 1.0, sideValue = 0.0;
 };
 
 // A low boom with a burst of noise: marks the downbeat of a new section.
@@ -641,6 +717,8 @@ std::unique_ptr<Voice> makeVoice(InstrumentKind kind, const ParamSet& params, do
         return std::make_unique<ClapVoice>(params, sampleRate);
     case InstrumentKind::Hat:
         return std::make_unique<HatVoice>(params, sampleRate);
+    case InstrumentKind::Crash:
+        return std::make_unique<CrashVoice>(params, sampleRate);
     case InstrumentKind::Sweep:
         return std::make_unique<SweepVoice>(params, sampleRate);
     case InstrumentKind::Impact:
