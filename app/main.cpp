@@ -7,6 +7,6 @@
 int main(int argc, char** argv) {
     DemoMain::Production brinova{[] { return new BrinovaProgressBar; },
                                  [] { return new BrinovaShaderCache; },
-                                 [] { return new BrinovaResources; }};
+                                 [] { return new BrinovaResources; }, BRINOVA_SOURCE_FOLDER};
     return DemoMain::run(argc, argv, brinova);
 }

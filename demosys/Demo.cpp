@@ -1,6 +1,7 @@
 #include "Demo.h"
 
 #include "Animation.h"
+#include "Authoring.h"
 #include "DataFBOPool.h"
 #include "FBO.h"
 #include "FrameListener.h"
@@ -158,6 +159,9 @@ void Demo::drawFrame() {
     if (frameListener != nullptr) {
         frameListener->beforeFrame();
     }
+    if (authoring != nullptr) {
+        authoring->beforeFrame();
+    }
     timer->updateSystem();
     unsigned int time = timer->getTime();
     unsigned int row = timer->getRow();
@@ -177,6 +181,10 @@ void Demo::drawFrame() {
     if (frameListener != nullptr) {
         frameListener->afterFrame(time);
     }
+    // After captures have read the frame: the overlay reaches the window only.
+    if (authoring != nullptr) {
+        authoring->afterFrame();
+    }
     SDL_GL_SwapWindow(KVTDemosys::screen);
     ++KVTDemosys::frames;
 }
@@ -184,6 +192,9 @@ void Demo::drawFrame() {
 void Demo::keyEvents() {
     SDL_Event event;
     while (SDL_PollEvent(&event)) {
+        if (authoring != nullptr && authoring->handleEvent(event)) {
+            continue;
+        }
         if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE) {
             KVTDemosys::setQuit(true);
         } else if (event.type == SDL_QUIT) {

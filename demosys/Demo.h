@@ -3,6 +3,7 @@
 #include <string>
 
 class Animation;
+class Authoring;
 class FrameListener;
 class ResourceLoader;
 class ScreenMetrics;
@@ -40,6 +41,8 @@ public:
     }
     // Not owned; may be null.
     void setFrameListener(FrameListener* listener) { frameListener = listener; }
+    // Authoring mode (--dev): sees every frame and event. Not owned; null for a plain run.
+    void setAuthoring(Authoring* mode) { authoring = mode; }
 
 private:
     bool fail(std::string text);
@@ -52,6 +55,7 @@ private:
     bool error = false;
     bool debugMode = false;
     FrameListener* frameListener = nullptr;
+    Authoring* authoring = nullptr;
     double frameStepMs = 0.0;
     bool decodeMusicOffline = false;
 };

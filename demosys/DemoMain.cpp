@@ -1,5 +1,6 @@
 #include "DemoMain.h"
 
+#include "Authoring.h"
 #include "BrinovaVersion.h"
 #include "Demo.h"
 #include "DemoOptions.h"
@@ -105,7 +106,7 @@ bool chooseWithLauncher(ScreenMetrics& metrics) {
 
 void chooseFromOptions(const DemoOptions& options, ScreenMetrics& metrics) {
     metrics.setResolution(options.width, options.height);
-    metrics.setFullscreen(options.fullscreen);
+    metrics.setFullscreen(options.fullscreen && !options.dev);
     metrics.setFullscreenOverride(true);
     metrics.setFSAASamples(options.antialiasing);
     metrics.setQuality(options.quality);
@@ -175,7 +176,16 @@ int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metri
         KVTDemosys::DemoEndTime.setTicks(options.endMs);
     }
     demo.init();
+    std::unique_ptr<Authoring> authoring;
+    if (options.dev && demo.isValid()) {
+        authoring = std::make_unique<Authoring>(Authoring::findSources(
+            options.watchDir.empty() ? production.sourceFolder : options.watchDir));
+        // Offline frames end at the end time; an author's playing clock waits there.
+        authoring->quitAtEnd(options.framesDriveClock());
+        demo.setAuthoring(authoring.get());
+    }
     demo.run();
+    authoring.reset();
     demo.dispose();
     removeProduction();
     if (!loaded) {

@@ -16,6 +16,8 @@ public:
         std::function<ProgressBar*()> makeProgressBar;
         std::function<ShaderCache*()> makeShaderCache;
         std::function<ResourceDefinition*()> makeResources;
+        // Where its shaders and sync text are edited, for --dev's live reload; empty for none.
+        std::string sourceFolder;
     };
 
     // The program's exit status: 0 after a normal run, 2 for invalid options, 1 when the

@@ -111,11 +111,15 @@ std::string DemoOptions::usage(const std::string& program) {
            "  --video FILE          render a video with the music: .mp4 (H.264, AAC), .mkv or\n"
            "                        .webm (VP9, Opus), at --fps N (default 60); needs ffmpeg\n"
            "  --benchmark           render as fast as possible and print frame statistics\n"
-           "  --pack                pack the production's resources into resources.7z, quit\n";
+           "  --pack                pack the production's resources into resources.7z, quit\n"
+           "  --dev                 authoring mode in a window: pause, seek and loop keys, a\n"
+           "                        timeline (F1), live reload of shaders and sync text\n"
+           "  --watch DIR           with --dev: reload from DIR (shaders/ and a .sync file)\n"
+           "                        instead of the production's source folder\n";
 }
 
 bool DemoOptions::showLauncher() const {
-    return !noLauncher && !framesDriveClock() && !pack;
+    return !noLauncher && !dev && !framesDriveClock() && !pack;
 }
 
 int DemoOptions::framesPerSecond() const {
@@ -158,13 +162,14 @@ void DemoOptions::resolvePaths(const std::string& startFolder) {
     }
     absolute(captureDir);
     absolute(videoFile);
+    absolute(watchDir);
 }
 
 bool DemoOptions::parseOption(const std::string& name, const std::string* value, bool& usedValue,
                               std::string& error) {
     static const std::vector<std::string> withValue = {"--size",  "--vsync", "--aa",   "--quality",
                                                        "--start", "--end",   "--shot", "--capture",
-                                                       "--fps",   "--video"};
+                                                       "--fps",   "--video", "--watch"};
     bool needsValue = std::find(withValue.begin(), withValue.end(), name) != withValue.end();
     if (needsValue && value == nullptr) {
         error = "option " + name + " needs a value";
@@ -192,6 +197,13 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
         pack = true;
     } else if (name == "--benchmark") {
         benchmark = true;
+    } else if (name == "--dev") {
+        dev = true;
+    } else if (name == "--watch") {
+        if (!File::isFolder(text)) {
+            return invalid("a folder with the production's sources");
+        }
+        watchDir = text;
     } else if (name == "--size") {
         if (!readSize(text, width, height)) {
             return invalid("WxH with sides from 16 to 16384, like 1280x720");
@@ -291,6 +303,10 @@ bool DemoOptions::checkCombination(std::string& error) const {
     }
     if (fps > 0 && !capture() && !video()) {
         error = "--fps N goes with --capture DIR or --video FILE";
+        return false;
+    }
+    if (!watchDir.empty() && !dev) {
+        error = "--watch DIR goes with --dev";
         return false;
     }
     // The encoder's 4:2:0 colour halves both sides.

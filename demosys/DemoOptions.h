@@ -24,7 +24,7 @@ public:
     // a minute; 0 when it has none); false with a message when they cannot be.
     bool resolveBarBeats(double beatsPerMinute, std::string& error);
 
-    // The launcher is skipped with --no-launcher and by every offline mode.
+    // The launcher is skipped with --no-launcher, --dev and by every offline mode.
     bool showLauncher() const;
     // Offline modes take their clock from the frame counter instead of the music.
     bool framesDriveClock() const { return capture() || video() || !shots.empty() || benchmark; }
@@ -56,6 +56,10 @@ public:
     std::string videoFile;
     int fps = 0;
     std::vector<Shot> shots;
+    // Authoring mode, always in a window, and the folder it watches instead of the
+    // production's own (empty: the production's).
+    bool dev = false;
+    std::string watchDir;
 
 private:
     // --start or --end as the user wrote them in bar.beat, until the tempo is known.

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <utility>
 
 namespace {
 
@@ -74,6 +75,16 @@ bool Shader::setVertexSource(std::string source) {
 bool Shader::setFragmentSource(std::string source) {
     fragmentSource = std::move(source);
     return compile(fragmentShader, GL_FRAGMENT_SHADER, fragmentSource);
+}
+
+void Shader::swapProgram(Shader& other) {
+    std::swap(vertexSource, other.vertexSource);
+    std::swap(fragmentSource, other.fragmentSource);
+    std::swap(vertexShader, other.vertexShader);
+    std::swap(fragmentShader, other.fragmentShader);
+    std::swap(program, other.program);
+    std::swap(valid, other.valid);
+    std::swap(errorMessage, other.errorMessage);
 }
 
 bool Shader::link() {

@@ -51,6 +51,9 @@ public:
     void setUniform3x3m(std::string name, float* matrix);
     void setUniform4x4m(std::string name, float* matrix);
 
+    // Trades programs, shader objects and sources with other, keeping this object's texture
+    // table: a program rebuilt elsewhere takes the place of this one for whoever holds it.
+    void swapProgram(Shader& other);
     unsigned int getProgramHandle() const { return program; }
     bool isValid() const { return valid; }
     std::string getErrorMessage() const { return errorMessage; }

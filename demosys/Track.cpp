@@ -6,9 +6,14 @@
 #include <iterator>
 
 Track::~Track() {
+    clear();
+}
+
+void Track::clear() {
     for (auto& entry : keyframes) {
         delete entry.second;
     }
+    keyframes.clear();
 }
 
 void Track::addKeyframe(TrackKeyFrame* keyframe) {

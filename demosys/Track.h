@@ -26,6 +26,8 @@ public:
 
     // Takes ownership. A keyframe already at that row is replaced and deleted.
     void addKeyframe(TrackKeyFrame* keyframe);
+    // Deletes every keyframe.
+    void clear();
     void insertInterval(TrackKeyFrame* start, TrackKeyFrame* stop);
     TrackKeyFrame* getKeyframe(unsigned int row) const;
     bool rowExists(unsigned int row) const;

@@ -48,6 +48,9 @@ public:
     // names they were read with, and names are written whether or not they were resolved
     // (the screen as "screen").
     void setKeepTargetNames(bool flag) { keepTargetNames = flag; }
+    // The framebuffer a start keyframe names, from the framebuffer pool; null for the screen
+    // and for names the pool does not hold.
+    static FBO* findRenderTarget(const std::string& name);
     // Corrupt records met so far, one line each naming the file and the record.
     const std::vector<std::string>& getErrors() const { return errors; }
     // True when a pack's index or data file was missing or its index unreadable: every
@@ -67,7 +70,6 @@ private:
     bool writeInterpolateRecord(const std::string& path, TrackInterpolate* track);
     void reportCorrupt(const File* source, const std::string& record, const std::string& why);
     bool reportIfMissing(const File* file, const std::string& path);
-    static FBO* findRenderTarget(const std::string& name);
 
     std::string basePath;
     bool verbose = false;

@@ -40,14 +40,8 @@ public:
 
 TEST(DemoLoop, ResizeReachesTheMetricsAndEscapeQuits) {
     std::filesystem::current_path(TESTCARD_FOLDER);
-    DemoMain::Production parts = testcard::production();
-    KVTDemosys::pBar = parts.makeProgressBar();
-    KVTDemosys::shaderCache = parts.makeShaderCache();
-    KVTDemosys::resources = parts.makeResources();
     ScreenMetrics metrics;
-    metrics.setResolution(160, 90);
-    metrics.setFullscreen(false);
-    metrics.setFullscreenOverride(true);
+    testcard::installForLoop(metrics);
     EventSender sender;
     Demo demo(0, nullptr);
     demo.setFrameListener(&sender);

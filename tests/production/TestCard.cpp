@@ -4,6 +4,7 @@
 #include "Geometry.h"
 #include "KVTDemosys.h"
 #include "ProgressBar.h"
+#include "ScreenMetrics.h"
 #include "Shader.h"
 #include "ShaderCache.h"
 #include "TrackInterpolate.h"
@@ -125,7 +126,17 @@ void TestCardResources::DefineEffectInstances() {
 
 DemoMain::Production production() {
     return DemoMain::Production{[] { return new ProgressBar; }, [] { return new ShaderCache; },
-                                [] { return new TestCardResources; }};
+                                [] { return new TestCardResources; }, TESTCARD_SOURCE_FOLDER};
+}
+
+void installForLoop(ScreenMetrics& metrics) {
+    DemoMain::Production parts = production();
+    KVTDemosys::pBar = parts.makeProgressBar();
+    KVTDemosys::shaderCache = parts.makeShaderCache();
+    KVTDemosys::resources = parts.makeResources();
+    metrics.setResolution(160, 90);
+    metrics.setFullscreen(false);
+    metrics.setFullscreenOverride(true);
 }
 
 } // namespace testcard

@@ -61,4 +61,9 @@ public:
 
 DemoMain::Production production();
 
+// For a run inside a test's process: the test card's parts into the registry and a 160x90
+// window into metrics, ready for Demo::load. The caller deletes KVTDemosys::resources after
+// Demo::dispose.
+void installForLoop(ScreenMetrics& metrics);
+
 } // namespace testcard

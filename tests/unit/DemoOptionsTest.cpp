@@ -82,6 +82,7 @@ TEST(DemoOptions, OfflineModesSkipTheLauncherAndUseTheFrameClock) {
     EXPECT_DOUBLE_EQ(capture.options.frameStepMs(), 40.0);
     EXPECT_TRUE(parse({"--benchmark"}).options.framesDriveClock());
     EXPECT_FALSE(parse({"--pack"}).options.showLauncher());
+    EXPECT_FALSE(parse({"--dev"}).options.showLauncher());
 }
 
 // The program runs from its own folder, so the paths the user typed are fixed to the folder
@@ -135,6 +136,8 @@ TEST(DemoOptions, InvalidValuesAreNamed) {
         {{"--benchmark", "--shot", "00:00:000=x.png"}, "cannot be combined"},
         {{"--aa"}, "option --aa needs a value"},
         {{"--bogus"}, "unknown option '--bogus'"},
+        {{"--watch", "/tmp"}, "--watch DIR goes with --dev"},
+        {{"--dev", "--watch", "/no/such/dir"}, "invalid value '/no/such/dir' for --watch"},
     };
     for (const auto& [args, expected] : cases) {
         Parsed parsed = parse(args);
@@ -147,9 +150,10 @@ TEST(DemoOptions, InvalidValuesAreNamed) {
 TEST(DemoOptions, UsageListsEveryOption) {
     std::string text = DemoOptions::usage("brinova");
     for (const char* option :
-         {"--help", "--version", "--no-launcher", "--size", "--windowed", "--fullscreen", "--vsync",
-          "--aa", "--quality", "--archive", "--start", "--end", "--shot", "--capture", "--fps",
-          "--video", "--benchmark", "--pack"}) {
+         {"--help",       "--version",   "--no-launcher", "--size",    "--windowed",
+          "--fullscreen", "--vsync",     "--aa",          "--quality", "--archive",
+          "--start",      "--end",       "--shot",        "--capture", "--fps",
+          "--video",      "--benchmark", "--pack",        "--dev",     "--watch"}) {
         EXPECT_NE(text.find(option), std::string::npos) << option;
     }
 }
