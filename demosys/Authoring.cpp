@@ -5,6 +5,7 @@
 #include "KVTDemosys.h"
 #include "ResourceDefinition.h"
 #include "ShaderReloader.h"
+#include "SyncEditorLink.h"
 #include "Timer.h"
 #include "TrackReload.h"
 #include "TrackSystem.h"
@@ -94,6 +95,9 @@ unsigned int Authoring::time() const {
 }
 
 void Authoring::beforeFrame() {
+    if (editorLink != nullptr) {
+        editorLink->poll();
+    }
     const unsigned int now = Timer::ticks();
     if (now - lastWatch >= WatchIntervalMs) {
         lastWatch = now;
@@ -186,6 +190,32 @@ bool Authoring::handleKey(int key, bool shift) {
 
 void Authoring::togglePause() {
     paused() ? KVTDemosys::timer->play() : KVTDemosys::timer->pause();
+}
+
+void Authoring::setPaused(bool flag) {
+    if (flag != paused()) {
+        togglePause();
+    }
+}
+
+void Authoring::connectEditor(const std::string& host, unsigned short port) {
+    SyncEditorLink::Player player{
+        [] { return KVTDemosys::timer->getRow(); }, [this] { return !paused(); },
+        [this](unsigned int row) { seek(row * 1000 / TrackSystem::globalRowRate()); },
+        [this](bool flag) { setPaused(flag); }, [this] { saveTracks(); }};
+    editorLink =
+        std::make_unique<SyncEditorLink>(host, port, *KVTDemosys::tracks, std::move(player));
+}
+
+void Authoring::saveTracks() {
+    std::string error;
+    if (sources.syncText.empty()) {
+        report({"No sync text to save the tracks into"});
+    } else if (saveTracksInto(sources.syncText, *KVTDemosys::tracks, error)) {
+        std::cout << "[Authoring] saved the tracks into " << sources.syncText << std::endl;
+    } else {
+        report({"The tracks were not saved: " + error});
+    }
 }
 
 void Authoring::seek(unsigned int to) {

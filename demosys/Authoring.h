@@ -9,6 +9,7 @@
 class AuthoringOverlay;
 class FileWatcher;
 class ShaderReloader;
+class SyncEditorLink;
 union SDL_Event;
 
 // Authoring mode (--dev): the keys that pause, step and loop the music with the picture,
@@ -60,6 +61,12 @@ public:
     void seek(unsigned int time);
     // Rebuilds what changed in the sources since the last look, at once.
     void reloadChanged();
+    void setPaused(bool flag);
+    // Links to a sync-tracker editor at host:port, polled before every frame from now on.
+    void connectEditor(const std::string& host, unsigned short port);
+    const SyncEditorLink* editor() const { return editorLink.get(); }
+    // Writes the running tracks' keys into the sync text, keeping the rest of it.
+    void saveTracks();
     // With false a playing clock that reaches the end stops there instead of ending the demo.
     void quitAtEnd(bool flag) { endQuits = flag; }
 
@@ -89,6 +96,7 @@ private:
     std::unique_ptr<FileWatcher> watcher;
     std::unique_ptr<ShaderReloader> shaders;
     std::unique_ptr<AuthoringOverlay> overlay;
+    std::unique_ptr<SyncEditorLink> editorLink;
     bool showOverlay = true;
     bool endQuits = true;
     bool looping = false;

@@ -182,6 +182,9 @@ int play(int argc, char** argv, const DemoOptions& options, ScreenMetrics& metri
             options.watchDir.empty() ? production.sourceFolder : options.watchDir));
         // Offline frames end at the end time; an author's playing clock waits there.
         authoring->quitAtEnd(options.framesDriveClock());
+        if (options.syncEditor) {
+            authoring->connectEditor(options.editorHost, options.editorPort);
+        }
         demo.setAuthoring(authoring.get());
     }
     demo.run();

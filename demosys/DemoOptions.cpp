@@ -115,7 +115,10 @@ std::string DemoOptions::usage(const std::string& program) {
            "  --dev                 authoring mode in a window: pause, seek and loop keys, a\n"
            "                        timeline (F1), live reload of shaders and sync text\n"
            "  --watch DIR           with --dev: reload from DIR (shaders/ and a .sync file)\n"
-           "                        instead of the production's source folder\n";
+           "                        instead of the production's source folder\n"
+           "  --sync-editor [HOST:PORT]\n"
+           "                        with --dev: link to a sync-tracker editor and take its\n"
+           "                        keys live (default 127.0.0.1:1338)\n";
 }
 
 bool DemoOptions::showLauncher() const {
@@ -176,6 +179,17 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
         return false;
     }
     usedValue = needsValue;
+    if (name == "--sync-editor") {
+        // The address is optional: a following option is not one.
+        syncEditor = true;
+        usedValue = value != nullptr && value->rfind("--", 0) != 0;
+        if (usedValue && !readEditorAddress(*value)) {
+            error = "invalid value '" + *value + "' for " + name +
+                    ": expected HOST:PORT with a port from 1 to 65535";
+            return false;
+        }
+        return true;
+    }
     const std::string text = needsValue ? *value : "";
     auto invalid = [&](const std::string& expected) {
         error = "invalid value '" + text + "' for " + name + ": expected " + expected;
@@ -268,6 +282,18 @@ bool DemoOptions::parseOption(const std::string& name, const std::string* value,
     return true;
 }
 
+bool DemoOptions::readEditorAddress(const std::string& text) {
+    const size_t colon = text.rfind(':');
+    int port = 0;
+    if (colon == 0 || colon == std::string::npos ||
+        !readWhole(text.substr(colon + 1), 1, 65535, port)) {
+        return false;
+    }
+    editorHost = text.substr(0, colon);
+    editorPort = static_cast<unsigned short>(port);
+    return true;
+}
+
 bool DemoOptions::resolveBarBeats(double beatsPerMinute, std::string& error) {
     for (auto [text, target, name] : {std::tuple{&startBarBeat, &startMs, "--start"},
                                       std::tuple{&endBarBeat, &endMs, "--end"}}) {
@@ -307,6 +333,10 @@ bool DemoOptions::checkCombination(std::string& error) const {
     }
     if (!watchDir.empty() && !dev) {
         error = "--watch DIR goes with --dev";
+        return false;
+    }
+    if (syncEditor && !dev) {
+        error = "--sync-editor goes with --dev";
         return false;
     }
     // The encoder's 4:2:0 colour halves both sides.

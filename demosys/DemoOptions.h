@@ -60,6 +60,10 @@ public:
     // production's own (empty: the production's).
     bool dev = false;
     std::string watchDir;
+    // With --dev: the sync-tracker editor to link to.
+    bool syncEditor = false;
+    std::string editorHost = "127.0.0.1";
+    unsigned short editorPort = 1338;
 
 private:
     // --start or --end as the user wrote them in bar.beat, until the tempo is known.
@@ -69,5 +73,6 @@ private:
     bool parseOption(const std::string& name, const std::string* value, bool& usedValue,
                      std::string& error);
     bool checkCombination(std::string& error) const;
+    bool readEditorAddress(const std::string& text);
     bool checkInterval(std::string& error) const;
 };

@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <iostream>
 #include <limits>
 #include <memory>
@@ -31,8 +32,9 @@ const long BeatsPerBar = 4;
 const long MostBars = 100000;
 const float MostBeatsPerMinute = 1000.0f;
 const unsigned int MillisecondsPerRow = 1000 / RowsPerSecond;
-const char* const InterpolationNames[] = {"linear", "ease-out", "ease-in", "step", "ramp"};
-const int InterpolationCount = 5;
+const char* const InterpolationNames[] = {"linear", "ease-out", "ease-in",
+                                          "step",   "ramp",     "smooth"};
+const int InterpolationCount = 6;
 
 std::vector<std::string> splitWords(const std::string& line) {
     std::string text = line.substr(0, line.find('#'));
@@ -341,7 +343,7 @@ private:
         }
         if (key.interpolation < 0) {
             return fail("unknown interpolation '" + how +
-                        "' (use linear, ease-out, ease-in, step or ramp)");
+                        "' (use linear, ease-out, ease-in, step, ramp or smooth)");
         }
         return true;
     }
@@ -645,7 +647,182 @@ std::string formatTime(unsigned int row, float tempo) {
            KVTTime::forceStringLength(std::to_string(time.getMilliseconds()), 3);
 }
 
+// Writes a track's keyframe lines with times from time(row).
+template <typename TimeText> void formatKeys(std::ostream& out, const Track& track, TimeText time) {
+    for (const Keyframe& key : track.keyframes) {
+        out << time(key.row) << " " << formatValue(key.value) << " "
+            << interpolationName(key.interpolation) << "\n";
+    }
+}
+
+template <typename TimeText>
+void formatEffect(std::ostream& out, const Effect& effect, TimeText time) {
+    out << "\neffect " << effect.name << "\npriority " << effect.priority << "\n";
+    for (const Interval& interval : effect.intervals) {
+        out << "start " << time(interval.start) << " " << interval.target << "\nstop "
+            << time(interval.stop) << "\n";
+    }
+    for (const Track& track : effect.tracks) {
+        out << "track " << track.name << "\n";
+        formatKeys(out, track, time);
+    }
+}
+
+const Effect* findEffect(const Document& document, const std::string& name) {
+    for (const Effect& effect : document.effects) {
+        if (effect.name == name) {
+            return &effect;
+        }
+    }
+    return nullptr;
+}
+
+const Track* findTrack(const Effect* effect, const std::string& name) {
+    if (effect != nullptr) {
+        for (const Track& track : effect->tracks) {
+            if (track.name == name) {
+                return &track;
+            }
+        }
+    }
+    return nullptr;
+}
+
+bool isKeyframeLine(const std::string& keyword) {
+    return keyword == "every" || keyword[0] == '+' ||
+           std::isdigit(static_cast<unsigned char>(keyword[0]));
+}
+
+// Copies a sync text line by line, putting new keys under the lines of the tracks they
+// replace. Comment and blank lines are held back until the next statement, so that tracks an
+// effect lacks go in before the comments that open the next effect.
+class KeyMerger {
+public:
+    explicit KeyMerger(const Document& replacing) : keys(replacing) {}
+
+    std::string run(const std::string& text) {
+        std::istringstream lines(text);
+        std::string line;
+        while (std::getline(lines, line)) {
+            copyLine(line);
+        }
+        closeEffect();
+        flushHeld();
+        for (const Effect& effect : keys.effects) {
+            if (seenEffects.count(effect.name) == 0 && !empty(effect)) {
+                formatEffect(out, effect, timeText());
+            }
+        }
+        return out.str();
+    }
+
+private:
+    void copyLine(const std::string& line) {
+        const std::vector<std::string> words = splitWords(line);
+        if (words.empty()) {
+            held.push_back(line);
+            return;
+        }
+        if (isKeyframeLine(words[0])) {
+            if (!replacingTrack) {
+                flushHeld();
+                out << line << "\n";
+            }
+            return;
+        }
+        replacingTrack = false;
+        if (words[0] == "effect") {
+            closeEffect();
+            effect = words.size() > 1 ? findEffect(keys, words[1]) : nullptr;
+            if (effect != nullptr) {
+                seenEffects.insert(effect->name);
+            }
+        } else if (words[0] == "tempo" && words.size() > 1) {
+            readTempo(words[1], tempo);
+        }
+        flushHeld();
+        out << line << "\n";
+        if (words[0] == "track" && words.size() > 1) {
+            replaceTrack(words[1]);
+        }
+    }
+
+    void replaceTrack(const std::string& name) {
+        const Track* track = findTrack(effect, name);
+        if (track != nullptr) {
+            formatKeys(out, *track, timeText());
+            seenTracks.insert(name);
+            replacingTrack = true;
+        }
+    }
+
+    // Adds the tracks of the effect just ended that its text did not hold.
+    void closeEffect() {
+        if (effect != nullptr) {
+            for (const Track& track : effect->tracks) {
+                if (seenTracks.count(track.name) == 0 && !track.keyframes.empty()) {
+                    out << "track " << track.name << "\n";
+                    formatKeys(out, track, timeText());
+                }
+            }
+        }
+        effect = nullptr;
+        seenTracks.clear();
+    }
+
+    void flushHeld() {
+        for (const std::string& line : held) {
+            out << line << "\n";
+        }
+        held.clear();
+    }
+
+    std::function<std::string(unsigned int)> timeText() const {
+        const float beatsPerMinute = tempo;
+        return [beatsPerMinute](unsigned int row) { return formatTime(row, beatsPerMinute); };
+    }
+
+    static bool empty(const Effect& effect) {
+        return effect.intervals.empty() &&
+               std::all_of(effect.tracks.begin(), effect.tracks.end(),
+                           [](const Track& track) { return track.keyframes.empty(); });
+    }
+
+    const Document& keys;
+    std::ostringstream out;
+    std::vector<std::string> held;
+    std::set<std::string> seenEffects;
+    std::set<std::string> seenTracks;
+    const Effect* effect = nullptr;
+    bool replacingTrack = false;
+    float tempo = 0.0f;
+};
+
 } // namespace
+
+std::string formatValue(float value) {
+    return shortestFloat(value);
+}
+
+std::string mergeKeys(const std::string& text, const Document& keys) {
+    return KeyMerger(keys).run(text);
+}
+
+Document readTrackSystem(const TrackSystem& system) {
+    Document document;
+    for (int i = 0; i < system.getSortedTrackGroupCount(); ++i) {
+        const TrackGroup* group = system.getSortedTrackGroup(i);
+        document.effects.push_back(Effect{group->getName(), 0, {}, {}});
+        Effect& effect = document.effects.back();
+        readIntervals(*group->getStartStopTrack(), effect);
+        for (int j = 0; j < group->getInterpolateTrackCount(); ++j) {
+            const TrackInterpolate* track = group->getInterpolateTrack(j);
+            effect.tracks.push_back(Track{track->getName(), {}});
+            readKeyframes(*track, effect.tracks.back());
+        }
+    }
+    return document;
+}
 
 std::string format(const Document& document, float tempo) {
     std::ostringstream out;
@@ -655,18 +832,7 @@ std::string format(const Document& document, float tempo) {
         return formatTime(row, tempo);
     };
     for (const Effect& effect : document.effects) {
-        out << "\neffect " << effect.name << "\npriority " << effect.priority << "\n";
-        for (const Interval& interval : effect.intervals) {
-            out << "start " << time(interval.start) << " " << interval.target << "\nstop "
-                << time(interval.stop) << "\n";
-        }
-        for (const Track& track : effect.tracks) {
-            out << "track " << track.name << "\n";
-            for (const Keyframe& key : track.keyframes) {
-                out << time(key.row) << " " << shortestFloat(key.value) << " "
-                    << interpolationName(key.interpolation) << "\n";
-            }
-        }
+        formatEffect(out, effect, time);
     }
     if (tempo <= 0.0f) {
         return "# Sync tracks, times as mm:ss:ms\n" + out.str();

@@ -23,7 +23,8 @@ class TrackSystem;
 //   +0.5 1.0                   keyframe that many beats after a repetition starts
 //
 // Times are mm:ss:ms, a plain row number, or bar.beat (1.1 is the very start); all are
-// stored as rows at 20 rows per second. Interpolations: linear, ease-out, ease-in, step, ramp.
+// stored as rows at 20 rows per second. Interpolations: linear, ease-out, ease-in, step, ramp,
+// smooth.
 namespace synctext {
 
 struct Keyframe {
@@ -74,6 +75,15 @@ bool readPack(const std::string& folder, Document& out, std::string& error);
 // same float. Without a tempo times are mm:ss:ms; with one (beats per minute) the text opens
 // with "tempo" and an "end" at the latest time used, and times on a beat are bar.beat.
 std::string format(const Document& document, float tempo = 0.0f);
+// The groups and tracks of a running system, in draw order, with their intervals and keys.
+Document readTrackSystem(const TrackSystem& system);
+// text with the keyframes of every track that keys names replaced by those keys, written
+// right under the track's line; comments, intervals, priorities and the order of blocks stay.
+// Tracks and effects the text lacks are added at the end of their effect and of the text.
+// "every" blocks of a replaced track come back as single keyframes.
+std::string mergeKeys(const std::string& text, const Document& keys);
+// A value in the fewest digits that read back to the same float.
+std::string formatValue(float value);
 // Beats per minute as a "tempo" line takes them; false when the text is not one.
 bool readTempo(const std::string& text, float& tempo);
 

@@ -39,6 +39,12 @@ float TrackInterpolate::ramp(const TrackKeyFrameInterpolate& a, const TrackKeyFr
     return a.value + (b.value - a.value) * (t * t);
 }
 
+// Leaves a with no slope and arrives at b with none.
+float TrackInterpolate::smooth(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
+                               float t) {
+    return a.value + (b.value - a.value) * (t * t * (3.0f - 2.0f * t));
+}
+
 float TrackInterpolate::cosine(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
                                float t, bool easeOut) {
     double w = easeOut ? std::cos((1.0 - t) * Pi * 0.5) : 1.0 - std::cos(t * Pi * 0.5);
@@ -76,6 +82,8 @@ float TrackInterpolate::getValue(unsigned int timeMs) const {
         return step(a, b, f);
     case RAMP:
         return ramp(a, b, f);
+    case SMOOTH:
+        return smooth(a, b, f);
     default:
         return linear(a, b, f);
     }

@@ -8,8 +8,9 @@ class TrackKeyFrameInterpolate;
 
 // One float parameter of an effect, given as keyframes and evaluated against the clock.
 // Interpolation codes of a keyframe (how the value moves on to the next keyframe):
-// 0 linear, 1 ease-out (fast start), 2 ease-in (gentle start), 3 step, 4 ramp (f*f);
-// any other code is linear. Holds only TrackKeyFrameInterpolate keyframes.
+// 0 linear, 1 ease-out (fast start), 2 ease-in (gentle start), 3 step, 4 ramp (f*f),
+// 5 smooth (3f² - 2f³, the sync editors' smooth key); any other code is linear. Holds only
+// TrackKeyFrameInterpolate keyframes.
 class TrackInterpolate : public Track {
 public:
     static constexpr int LINEAR = 0;
@@ -17,6 +18,7 @@ public:
     static constexpr int EASE_IN = 2;
     static constexpr int STEP = 3;
     static constexpr int RAMP = 4;
+    static constexpr int SMOOTH = 5;
 
     explicit TrackInterpolate(std::string trackName) : name(std::move(trackName)) {}
 
@@ -39,6 +41,8 @@ public:
                       float t);
     static float ramp(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
                       float t);
+    static float smooth(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
+                        float t);
     // easeOut true: fast start and gentle arrival; false: gentle start and fast arrival.
     static float cosine(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
                         float t, bool easeOut);

@@ -90,21 +90,48 @@ void replaceTracks(const synctext::Document& document, TrackSystem& system) {
     system.prioritySanityCheck();
 }
 
+bool readSyncText(const std::string& path, std::string& text, std::string& error) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        error = path + ": cannot be read";
+        return false;
+    }
+    std::ostringstream contents;
+    contents << in.rdbuf();
+    text = contents.str();
+    return true;
+}
+
 } // namespace
 
 bool reloadTracks(const std::string& syncTextPath, TrackSystem& system, std::string& error) {
-    std::ifstream in(syncTextPath, std::ios::binary);
-    if (!in) {
-        error = syncTextPath + ": cannot be read";
-        return false;
-    }
-    std::ostringstream text;
-    text << in.rdbuf();
+    std::string text;
     const synctext::Schema schema = schemaOf(system);
     synctext::Document document;
-    if (!synctext::parse(text.str(), syncTextPath, &schema, document, error)) {
+    if (!readSyncText(syncTextPath, text, error) ||
+        !synctext::parse(text, syncTextPath, &schema, document, error)) {
         return false;
     }
     replaceTracks(document, system);
+    return true;
+}
+
+bool saveTracksInto(const std::string& syncTextPath, const TrackSystem& system,
+                    std::string& error) {
+    std::string text;
+    if (!readSyncText(syncTextPath, text, error)) {
+        return false;
+    }
+    const std::string merged = synctext::mergeKeys(text, synctext::readTrackSystem(system));
+    const synctext::Schema schema = schemaOf(system);
+    synctext::Document check;
+    if (!synctext::parse(merged, syncTextPath, &schema, check, error)) {
+        return false;
+    }
+    std::ofstream out(syncTextPath, std::ios::binary | std::ios::trunc);
+    if (!(out << merged)) {
+        error = syncTextPath + ": cannot be written";
+        return false;
+    }
     return true;
 }

@@ -9,3 +9,8 @@ class TrackSystem;
 // checked against the running effects and their tracks before anything changes; on an error
 // the tracks stay as they were and error says "file:line: reason".
 bool reloadTracks(const std::string& syncTextPath, TrackSystem& system, std::string& error);
+
+// The other way: the keys of the running tracks are written into the sync text in place of
+// the keyframes there, keeping its comments, intervals and order. The result is checked as a
+// reload checks it before the file is replaced; on an error it stays as it was.
+bool saveTracksInto(const std::string& syncTextPath, const TrackSystem& system, std::string& error);

@@ -1,6 +1,7 @@
 // Authoring mode on the test card, in-process: the keys (pushed as SDL events) pause and move
 // the clock by beats and bars, a loop wraps at its section's end, and edits to a copy of the
-// test card's shaders and sync text show on the next frame while broken edits change nothing.
+// test card's shaders and sync text show on the next frame while broken edits change nothing;
+// a sync-tracker editor inside the test keys the tracks live over TCP.
 #include "Authoring.h"
 #include "Demo.h"
 #include "FrameListener.h"
@@ -8,17 +9,26 @@
 #include "KVTIO.h"
 #include "RunSupport.h"
 #include "ScreenMetrics.h"
+#include "SyncEditorLink.h"
+#include "SyncText.h"
 #include "TestCard.h"
 #include "Timer.h"
 #include "TrackGroup.h"
+#include "TrackInterpolate.h"
 #include "TrackStartStop.h"
 #include "TrackSystem.h"
 
 #include <GL/glew.h>
 #include <SDL.h>
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <array>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -147,6 +157,17 @@ protected:
 
     unsigned int row() const { return KVTDemosys::timer->getRow(); }
 
+    // Runs the steps one after the other, a frame each at least: a step that returns false
+    // is tried again on the next frame. Stops after the last step or maxFrames.
+    int playSteps(const std::vector<std::function<bool(const Frame&)>>& steps, int maxFrames) {
+        size_t step = 0;
+        play([&](const Frame& frame) {
+            step += steps[step](frame) ? 1 : 0;
+            return step < steps.size() && frame.number < maxFrames;
+        });
+        return static_cast<int>(step);
+    }
+
     fs::path sources;
     ScreenMetrics metrics;
     Demo demo{0, nullptr};
@@ -154,7 +175,256 @@ protected:
     std::string output;
 };
 
+std::string bigEndian(unsigned int value) {
+    const unsigned int net = htonl(value);
+    return std::string(reinterpret_cast<const char*>(&net), 4);
+}
+
+std::string setKey(unsigned int track, unsigned int row, float value, char type) {
+    unsigned int bits;
+    std::memcpy(&bits, &value, 4);
+    return '\0' + bigEndian(track) + bigEndian(row) + bigEndian(bits) + type;
+}
+
+// A sync-tracker editor: listens on an ephemeral port of 127.0.0.1 and, between the demo's
+// frames, takes its connection, reads what it sent and answers. Nothing here waits.
+class TestEditor {
+public:
+    TestEditor() {
+        listener = socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        bind(listener, reinterpret_cast<sockaddr*>(&address), size);
+        listen(listener, 4);
+        getsockname(listener, reinterpret_cast<sockaddr*>(&address), &size);
+        port = ntohs(address.sin_port);
+    }
+    ~TestEditor() {
+        hangUp();
+        close(listener);
+    }
+
+    bool accept() {
+        peer = ::accept(listener, nullptr, nullptr);
+        received.clear();
+        // Each message goes out at once, to be read by the demo's next frame.
+        const int noDelay = 1;
+        setsockopt(peer, IPPROTO_TCP, TCP_NODELAY, &noDelay, sizeof noDelay);
+        return peer >= 0;
+    }
+    // True once count bytes arrived; they are then taken into out.
+    bool take(size_t count, std::string& out) {
+        char chunk[4096];
+        ssize_t got;
+        while ((got = recv(peer, chunk, sizeof chunk, MSG_DONTWAIT)) > 0) {
+            received.append(chunk, static_cast<size_t>(got));
+        }
+        if (received.size() < count) {
+            return false;
+        }
+        out = received.substr(0, count);
+        received.erase(0, count);
+        return true;
+    }
+    // The names of GET_TRACK requests, once count of them arrived.
+    bool takeTrackNames(size_t count, std::vector<std::string>& names) {
+        std::string ignored;
+        take(0, ignored);
+        while (names.size() < count && received.size() >= 5) {
+            EXPECT_EQ(received[0], 2) << "GET_TRACK";
+            const size_t size = ntohl(*reinterpret_cast<const uint32_t*>(received.data() + 1));
+            if (received.size() < 5 + size) {
+                break;
+            }
+            names.push_back(received.substr(5, size));
+            received.erase(0, 5 + size);
+        }
+        return names.size() == count;
+    }
+    void send(const std::string& bytes) { ::send(peer, bytes.data(), bytes.size(), MSG_NOSIGNAL); }
+    void hangUp() {
+        if (peer >= 0) {
+            close(peer);
+        }
+        peer = -1;
+    }
+
+    unsigned short port = 0;
+
+private:
+    int listener = -1;
+    int peer = -1;
+    std::string received;
+};
+
+const std::vector<std::string> TestCardTracks = {"background:active",
+                                                 "background:red",
+                                                 "background:green",
+                                                 "background:blue",
+                                                 "box:active",
+                                                 "box:x",
+                                                 "box:y",
+                                                 "box:red",
+                                                 "box:green",
+                                                 "box:blue",
+                                                 "composite:active",
+                                                 "cover:active",
+                                                 "cover:x",
+                                                 "cover:y",
+                                                 "cover:red",
+                                                 "cover:green",
+                                                 "cover:blue"};
+const unsigned int BackgroundRed = 1;
+const char Linear = 1;
+const char Step = 0;
+
 } // namespace
+
+TEST_F(AuthoringSession, EditorKeysTracksLiveSeeksPausesAndSaves) {
+    TestEditor editor;
+    authoring->connectEditor("127.0.0.1", editor.port);
+    const TrackInterpolate* red =
+        KVTDemosys::tracks->getTrackGroupByName("background")->getInterpolateTrackByName("red");
+    std::string bytes;
+    std::vector<std::string> names;
+    std::vector<float> values;
+    std::vector<unsigned int> rowsSent;
+    const int steps = playSteps(
+        {[&](const Frame&) { return editor.accept(); },
+         [&](const Frame&) {
+             if (!editor.take(19, bytes)) {
+                 return false;
+             }
+             EXPECT_EQ(bytes, "hello, synctracker!");
+             editor.send("hello, demo!");
+             return true;
+         },
+         [&](const Frame&) { return editor.takeTrackNames(TestCardTracks.size(), names); },
+         [&](const Frame& frame) {
+             EXPECT_EQ(red->size(), 0u) << "the editor is the master: no keys until it sends";
+             EXPECT_EQ(frame.centre[0], 0);
+             // Paused at row 10 (0.5 s, only the background draws) with red 0.25 from row 0
+             // and 0.75 from row 10, then a key on a read-only track.
+             editor.send(std::string("\x04\x01", 2) + '\x03' + bigEndian(10) +
+                         setKey(BackgroundRed, 0, 0.25f, Linear) +
+                         setKey(BackgroundRed, 10, 0.75f, Step) + setKey(0, 5, 1.0f, Step));
+             return true;
+         },
+         [&](const Frame& frame) {
+             if (frame.time != 500) {
+                 return false;
+             }
+             EXPECT_TRUE(authoring->paused());
+             values.push_back(red->getValue(frame.time));
+             EXPECT_NEAR(frame.centre[0], 191, 2) << "the picture shows the new key";
+             editor.send(std::string("\x01", 1) + bigEndian(BackgroundRed) + bigEndian(10));
+             return true;
+         },
+         [&](const Frame& frame) {
+             values.push_back(red->getValue(frame.time));
+             editor.send(std::string("\x05", 1));
+             return true;
+         },
+         [&](const Frame&) {
+             editor.send(std::string("\x04\x00", 2));
+             return true;
+         },
+         [&](const Frame&) {
+             while (editor.take(5, bytes)) {
+                 EXPECT_EQ(bytes[0], 3) << "SET_ROW";
+                 rowsSent.push_back(ntohl(*reinterpret_cast<const uint32_t*>(bytes.data() + 1)));
+             }
+             SDL_Delay(20);
+             return rowsSent.size() >= 3;
+         }},
+        400);
+    EXPECT_EQ(steps, 8);
+    EXPECT_EQ(names, TestCardTracks);
+    EXPECT_EQ(values, (std::vector<float>{0.75f, 0.25f})) << "SET_KEY, then DELETE_KEY";
+    ASSERT_GE(rowsSent.size(), 3u);
+    EXPECT_GT(rowsSent.back(), rowsSent.front()) << "a playing demo tells its row";
+    EXPECT_GE(rowsSent.back(), 11u) << "playing on from the row the editor set";
+
+    // The saved text keeps its comments and intervals and compiles back into the same keys.
+    const std::string saved = readText(sources / "testcard.sync");
+    EXPECT_NE(saved.find("# Background colour over the whole piece"), std::string::npos);
+    EXPECT_NE(saved.find("start 00:01:000 offscreen\nstop 00:02:000\n"), std::string::npos);
+    synctext::Document document;
+    std::string error;
+    ASSERT_TRUE(synctext::parse(saved, "testcard.sync", nullptr, document, error)) << error;
+    const synctext::Effect& background = document.effects.at(0);
+    ASSERT_EQ(background.tracks.at(0).name, "red");
+    ASSERT_EQ(background.tracks[0].keyframes.size(), 1u);
+    EXPECT_EQ(background.tracks[0].keyframes[0].row, 0u);
+    EXPECT_EQ(background.tracks[0].keyframes[0].value, 0.25f);
+    EXPECT_EQ(background.tracks[0].keyframes[0].interpolation, TrackInterpolate::LINEAR);
+    EXPECT_TRUE(background.tracks[1].keyframes.empty()) << "green was never keyed";
+    EXPECT_EQ(document.effects.at(1).intervals.size(), 2u);
+    EXPECT_TRUE(authoring->editor()->linked());
+    authoring.reset();
+    output = testing::internal::GetCapturedStdout();
+    EXPECT_NE(output.find("saved the tracks into"), std::string::npos) << output;
+    EXPECT_NE(output.find("'background:active' only shows"), std::string::npos) << output;
+    testing::internal::CaptureStdout();
+}
+
+// Each connection breaks the protocol another way; the link closes with the reason, the
+// picture goes on, and the demo comes back no sooner than a second later.
+TEST_F(AuthoringSession, BrokenEditorsCloseTheLinkAndTheDemoPlaysOn) {
+    KVTDemosys::DemoEndTime.setTicks(60000);
+    authoring->quitAtEnd(false);
+    TestEditor editor;
+    authoring->connectEditor("127.0.0.1", editor.port);
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"hello, demo?", "greeting"},
+        {std::string("hello, demo!\x09", 13), "unknown command 9"},
+        {"hello, demo!" + setKey(0, 1, 1.0f, Linear).substr(0, 6), "in the middle of a message"},
+        {"hello, demo!" + setKey(99, 1, 1.0f, Linear), "track 99 of 17"},
+        {"hello, demo!", "the editor"}};
+    std::vector<unsigned int> acceptedAt;
+    std::vector<std::string> problems;
+    unsigned int closedAt = 0;
+    std::string greeting;
+    std::vector<std::function<bool(const Frame&)>> steps;
+    for (const auto& [bytes, reason] : cases) {
+        steps.push_back([&](const Frame&) {
+            if (!editor.accept()) {
+                return false;
+            }
+            acceptedAt.push_back(SDL_GetTicks());
+            return true;
+        });
+        steps.push_back([&, sent = bytes](const Frame&) {
+            if (!editor.take(19, greeting)) {
+                return false;
+            }
+            // The last editor vanishes as soon as it greeted, while the demo asks for tracks.
+            editor.send(sent);
+            editor.hangUp();
+            return true;
+        });
+        steps.push_back([&](const Frame& frame) {
+            if (authoring->editor()->linked() || authoring->editor()->lastProblem().empty()) {
+                return false;
+            }
+            problems.push_back(authoring->editor()->lastProblem());
+            closedAt = frame.time;
+            return true;
+        });
+        steps.push_back([&](const Frame& frame) { return frame.time > closedAt; });
+    }
+    EXPECT_EQ(playSteps(steps, 20000), static_cast<int>(steps.size()));
+    ASSERT_EQ(problems.size(), cases.size());
+    for (size_t i = 0; i < cases.size(); ++i) {
+        EXPECT_NE(problems[i].find(cases[i].second), std::string::npos) << problems[i];
+    }
+    for (size_t i = 1; i < acceptedAt.size(); ++i) {
+        EXPECT_GE(acceptedAt[i] - acceptedAt[i - 1], SyncEditorLink::RetryIntervalMs - 50)
+            << "at most one attempt a second";
+    }
+}
 
 TEST_F(AuthoringSession, KeysPauseResumeAndStepByBeatsAndBars) {
     // The piece is four seconds; room for eight bars at 120 beats a minute.

@@ -1,4 +1,5 @@
 #include "SyncText.h"
+#include "RocketProject.h"
 
 #include <gtest/gtest.h>
 
@@ -113,9 +114,9 @@ TEST(SyncText, EveryRepeatsItsKeyframesUpToItsEnd) {
 }
 
 TEST(SyncText, ErrorsNameTheFileLineAndReason) {
-    EXPECT_EQ(parseError("effect e\ntrack t\n0 1 smooth\n"),
-              "demo.sync:3: unknown interpolation 'smooth' (use linear, ease-out, ease-in, step "
-              "or ramp)");
+    EXPECT_EQ(parseError("effect e\ntrack t\n0 1 smoothly\n"),
+              "demo.sync:3: unknown interpolation 'smoothly' (use linear, ease-out, ease-in, "
+              "step, ramp or smooth)");
     EXPECT_EQ(parseError("effect e\nstart 0\nstop 10\nstart 10\nstop 20\n"),
               "demo.sync:4: interval overlaps the previous one, which stops at row 10");
     EXPECT_EQ(parseError("effect e\nstart 0\n\neffect f\n"),
@@ -230,4 +231,68 @@ TEST(SyncText, MissingOrDamagedPacksAreReported) {
     EXPECT_FALSE(synctext::readPack(empty.string(), damaged, error));
     EXPECT_NE(error.find("track.data"), std::string::npos) << error;
     EXPECT_FALSE(synctext::writePack(source, (empty / "no" / "such").string(), error));
+}
+
+// Out to the editor's project file and back into the text: every key keeps its row and value,
+// ease-in and ease-out come back smooth, and the text keeps its comments and intervals.
+TEST(RocketProject, ExportImportRoundTripKeepsEveryKey) {
+    synctext::Document source, keys, back;
+    std::string error;
+    ASSERT_TRUE(synctext::parse(Example, "demo.sync", nullptr, source, error));
+    const rocket::Project exported = rocket::fromDocument(source);
+    EXPECT_EQ(exported.rows, 2402u) << "the row after the last stop, 02:00:000, ends";
+    EXPECT_EQ(exported.bookmarks, (std::vector<unsigned int>{20, 81, 100, 2401}));
+    ASSERT_EQ(exported.tracks.at(0).name, "glow_effect:active");
+    std::vector<std::pair<unsigned int, float>> active;
+    for (const rocket::Key& key : exported.tracks[0].keys) {
+        active.emplace_back(key.row, key.value);
+    }
+    EXPECT_EQ(active, (std::vector<std::pair<unsigned int, float>>{
+                          {0, 0.0f}, {20, 1.0f}, {81, 0.0f}, {100, 1.0f}, {2401, 0.0f}}));
+
+    rocket::Project imported;
+    ASSERT_TRUE(rocket::readXml(rocket::writeXml(exported), "demo.rocket", imported, error))
+        << error;
+    ASSERT_TRUE(rocket::toKeys(imported, keys, error)) << error;
+    const std::string text = synctext::mergeKeys(Example, keys);
+    ASSERT_TRUE(synctext::parse(text, "demo.sync", nullptr, back, error)) << error << text;
+    EXPECT_NE(text.find("# a small production\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("start 00:01:000 glow_pre   # row 20\nstop 3.1\n"), std::string::npos);
+    ASSERT_EQ(back.effects.size(), source.effects.size());
+    for (size_t e = 0; e < source.effects.size(); ++e) {
+        EXPECT_EQ(back.effects[e].intervals.size(), source.effects[e].intervals.size());
+        ASSERT_EQ(back.effects[e].tracks.size(), source.effects[e].tracks.size());
+        for (size_t t = 0; t < source.effects[e].tracks.size(); ++t) {
+            const auto& before = source.effects[e].tracks[t].keyframes;
+            const auto& after = back.effects[e].tracks[t].keyframes;
+            ASSERT_EQ(after.size(), before.size());
+            for (size_t k = 0; k < before.size(); ++k) {
+                EXPECT_EQ(after[k].row, before[k].row);
+                EXPECT_EQ(after[k].value, before[k].value);
+                const bool eased = before[k].interpolation == 1 || before[k].interpolation == 2;
+                EXPECT_EQ(after[k].interpolation, eased ? 5 : before[k].interpolation);
+            }
+        }
+    }
+}
+
+TEST(RocketProject, BadProjectsNameTheFileLineAndReason) {
+    const auto readError = [](const std::string& xml) {
+        rocket::Project project;
+        std::string error;
+        EXPECT_FALSE(rocket::readXml(xml, "p.rocket", project, error)) << xml;
+        return error;
+    };
+    EXPECT_EQ(readError("<sync>\n<tracks>\n</sync>\n"),
+              "p.rocket:3: '</sync>' closes 'tracks' opened at line 2");
+    EXPECT_EQ(readError("<?xml version=\"1.0\"?>\n<sync>\n<tracks>\n"),
+              "p.rocket:4: element 'tracks' is never closed");
+    EXPECT_EQ(readError("<sync>\n<tracks><track name=\"a:b\">\n<key row=\"1\" value=\"x\" "
+                        "interpolation=\"0\"/></track></tracks></sync>"),
+              "p.rocket:3: 'value' is 'x', not a number");
+    EXPECT_EQ(readError("<sync>\n<tracks><track name=\"a:b\"><key row=\"1\" value=\"2\" "
+                        "interpolation=\"4\"/></track></tracks></sync>"),
+              "p.rocket:2: 'interpolation' is '4', not a whole number from 0 to 3");
+    EXPECT_EQ(readError("<sync rows=10>"), "p.rocket:1: the value of 'rows' is not quoted");
+    EXPECT_EQ(readError("<project/>"), "p.rocket:1: the root element is 'project', not 'sync'");
 }

@@ -1,5 +1,6 @@
 // synccompile: compiles a production's sync-track text into the track pack the demo loads,
-// or turns a pack back into text.
+// or turns a pack back into text, or trades keys with a sync-tracker editor's project file.
+#include "RocketProject.h"
 #include "SyncText.h"
 
 #include <filesystem>
@@ -18,7 +19,12 @@ void printUsage(std::ostream& out) {
         << "  synccompile decompile PACK_FOLDER [OUTPUT.sync] [--tempo BPM]\n"
         << "      writes the pack as text (to standard output without OUTPUT), times as\n"
         << "      mm:ss:ms; with --tempo also the tempo and end lines, and times that fall on\n"
-        << "      a beat as bar.beat\n";
+        << "      a beat as bar.beat\n"
+        << "  synccompile export-rocket SOURCE.sync OUT.rocket\n"
+        << "      writes the tracks as a sync-tracker editor's project, to open before the demo\n"
+        << "      links to the editor\n"
+        << "  synccompile import-rocket IN.rocket SOURCE.sync\n"
+        << "      puts the project's keys into the text's tracks, keeping the rest of it\n";
 }
 
 bool readText(const std::string& path, std::string& text) {
@@ -58,6 +64,15 @@ int compile(const std::string& source, const std::string& folder, const std::str
     return 0;
 }
 
+bool writeText(const std::string& path, const std::string& text) {
+    std::ofstream out(path, std::ios::binary);
+    if (!(out << text)) {
+        std::cerr << "synccompile: cannot write '" << path << "'\n";
+        return false;
+    }
+    return true;
+}
+
 int decompile(const std::string& folder, const std::string& output, float tempo) {
     synctext::Document document;
     std::string error;
@@ -70,12 +85,49 @@ int decompile(const std::string& folder, const std::string& output, float tempo)
         std::cout << text;
         return 0;
     }
-    std::ofstream out(output, std::ios::binary);
-    if (!(out << text)) {
-        std::cerr << "synccompile: cannot write '" << output << "'\n";
+    return writeText(output, text) ? 0 : 1;
+}
+
+bool readDocument(const std::string& source, std::string& text, synctext::Document& document) {
+    std::string error;
+    if (!readText(source, text)) {
+        return false;
+    }
+    if (!synctext::parse(text, source, nullptr, document, error)) {
+        std::cerr << "synccompile: " << error << "\n";
+        return false;
+    }
+    return true;
+}
+
+int exportRocket(const std::string& source, const std::string& output) {
+    std::string text;
+    synctext::Document document;
+    if (!readDocument(source, text, document)) {
         return 1;
     }
-    return 0;
+    return writeText(output, rocket::writeXml(rocket::fromDocument(document))) ? 0 : 1;
+}
+
+// The merged text must read back before it replaces the source.
+int importRocket(const std::string& input, const std::string& source) {
+    std::string xml, text, error;
+    synctext::Document original, keys, merged;
+    rocket::Project project;
+    if (!readText(input, xml) || !readDocument(source, text, original)) {
+        return 1;
+    }
+    if (!rocket::readXml(xml, input, project, error) || !rocket::toKeys(project, keys, error)) {
+        std::cerr << "synccompile: " << (error.find(input) == 0 ? "" : input + ": ") << error
+                  << "\n";
+        return 1;
+    }
+    const std::string result = synctext::mergeKeys(text, keys);
+    if (!synctext::parse(result, source, nullptr, merged, error)) {
+        std::cerr << "synccompile: the imported keys do not fit the text: " << error << "\n";
+        return 1;
+    }
+    return writeText(source, result) ? 0 : 1;
 }
 
 // "decompile PACK_FOLDER [OUTPUT.sync] [--tempo BPM]", the option anywhere after the command.
@@ -117,6 +169,12 @@ int main(int argc, char** argv) {
     }
     if (command == "compile" && argc == 6 && std::string(argv[4]) == "--effects") {
         return compile(argv[2], argv[3], argv[5]);
+    }
+    if (command == "export-rocket" && argc == 4) {
+        return exportRocket(argv[2], argv[3]);
+    }
+    if (command == "import-rocket" && argc == 4) {
+        return importRocket(argv[2], argv[3]);
     }
     if (command == "decompile") {
         return decompileCommand(std::vector<std::string>(argv + 2, argv + argc));
