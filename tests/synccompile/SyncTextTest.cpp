@@ -44,8 +44,12 @@ std::string readBytes(const fs::path& path) {
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
+// Named after the running test too, as ctest runs the tests of this file side by side.
 fs::path freshFolder(const std::string& name) {
-    fs::path folder = fs::path(::testing::TempDir()) / ("brinova_sync_" + name);
+    fs::path folder =
+        fs::path(::testing::TempDir()) /
+        ("brinova_sync_" +
+         std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()) + "_" + name);
     fs::remove_all(folder);
     fs::create_directories(folder);
     return folder;
