@@ -11,9 +11,14 @@ Track::~Track() {
 
 void Track::clear() {
     for (auto& entry : keyframes) {
-        delete entry.second;
+        deleteStored(entry.second);
     }
     keyframes.clear();
+}
+
+void Track::erase(KeyframeMap::iterator entry) {
+    deleteStored(entry->second);
+    keyframes.erase(entry);
 }
 
 void Track::addKeyframe(TrackKeyFrame* keyframe) {
@@ -23,7 +28,7 @@ void Track::addKeyframe(TrackKeyFrame* keyframe) {
 void Track::store(unsigned int row, TrackKeyFrame* keyframe) {
     TrackKeyFrame*& slot = keyframes[row];
     if (slot != keyframe) {
-        delete slot;
+        deleteStored(slot);
     }
     slot = keyframe;
 }
@@ -126,10 +131,8 @@ void Track::deleteInterval(unsigned int row) {
         }
         first = std::prev(first);
     }
-    delete first->second;
-    delete second->second;
-    keyframes.erase(first);
-    keyframes.erase(second);
+    erase(first);
+    erase(second);
 }
 
 void Track::moveRow(unsigned int from, unsigned int to) {

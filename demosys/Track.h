@@ -13,7 +13,6 @@ class Track {
 public:
     using KeyframeMap = std::map<unsigned int, TrackKeyFrame*>;
 
-    Track() = default;
     virtual ~Track();
     Track(const Track&) = delete;
     Track& operator=(const Track&) = delete;
@@ -47,9 +46,23 @@ public:
     const KeyframeMap& getKeyframes() const { return keyframes; }
 
 protected:
+    using KeyframeDeleter = void (*)(TrackKeyFrame*);
+
+    // The keyframe classes have no virtual destructor: each kind of track deletes its
+    // keyframes as the type it stores.
+    template <class KeyFrame> static void deleteAs(TrackKeyFrame* keyframe) {
+        delete static_cast<KeyFrame*>(keyframe);
+    }
+    explicit Track(KeyframeDeleter deleter) : deleteStored(deleter) {}
+
+    // Deletes the keyframe of an entry and removes the entry.
+    void erase(KeyframeMap::iterator entry);
+
     KeyframeMap keyframes;
 
 private:
     // Puts keyframe at row, deleting the keyframe it replaces.
     void store(unsigned int row, TrackKeyFrame* keyframe);
+
+    KeyframeDeleter deleteStored;
 };

@@ -114,6 +114,9 @@ TrackKeyFrameInterpolate* TrackInterpolate::getClosestKeyframeUpwards(unsigned i
     return getClosestKeyframe(row);
 }
 
+TrackInterpolate::TrackInterpolate(std::string trackName)
+    : Track(&deleteAs<TrackKeyFrameInterpolate>), name(std::move(trackName)) {}
+
 void TrackInterpolate::deleteKeyframe(unsigned int row) {
     auto atOrAfter = keyframes.lower_bound(row);
     if (atOrAfter == keyframes.end()) {
@@ -126,8 +129,7 @@ void TrackInterpolate::deleteKeyframe(unsigned int row) {
         }
         doomed = std::prev(atOrAfter);
     }
-    delete doomed->second;
-    keyframes.erase(doomed);
+    erase(doomed);
 }
 
 void TrackInterpolate::getKeyFrameRange(unsigned int from, unsigned int to,

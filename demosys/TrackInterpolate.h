@@ -20,7 +20,7 @@ public:
     static constexpr int RAMP = 4;
     static constexpr int SMOOTH = 5;
 
-    explicit TrackInterpolate(std::string trackName) : name(std::move(trackName)) {}
+    explicit TrackInterpolate(std::string trackName);
 
     std::string getName() const { return name; }
     // The value at a clock time in milliseconds: 0 before the first keyframe, the last

@@ -10,6 +10,9 @@ FBO* targetOf(const TrackKeyFrame* keyframe) {
 }
 } // namespace
 
+TrackStartStop::TrackStartStop(int drawPriority)
+    : Track(&deleteAs<TrackStartStopKeyFrame>), priority(drawPriority) {}
+
 FBO* TrackStartStop::getRenderTarget(unsigned int row) const {
     auto atOrAfter = keyframes.lower_bound(row);
     if (atOrAfter == keyframes.end()) {

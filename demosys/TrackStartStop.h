@@ -8,7 +8,7 @@ class FBO;
 // start/stop keyframes. Lower priorities draw first.
 class TrackStartStop : public Track {
 public:
-    explicit TrackStartStop(int drawPriority) : priority(drawPriority) {}
+    explicit TrackStartStop(int drawPriority);
 
     // The target of the interval holding row; null for the screen or outside intervals.
     FBO* getRenderTarget(unsigned int row) const;
