@@ -464,7 +464,8 @@ TEST_F(AuthoringSession, KeysPauseResumeAndStepByBeatsAndBars) {
     EXPECT_EQ(pausedTimes[0], pausedTimes[2]) << "a paused clock stands still";
     EXPECT_TRUE(authoring->paused() == false);
     EXPECT_GE(resumedTimes.front(), 500u) << "resumed from the last seek, at row 10";
-    EXPECT_LT(resumedTimes.front(), 700u);
+    // A loaded machine may take a while to show the first frame after resuming.
+    EXPECT_LT(resumedTimes.front(), 1500u);
     EXPECT_GT(resumedTimes.back(), resumedTimes.front()) << "and moving again";
 }
 
