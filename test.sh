@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds Brinova and runs every test: unit tests, fuzzers, then CTest (its summary ends the run).
+# Builds Brinova and runs every test: fuzzers, the test card on the sanitized engine, then CTest
+# (its summary ends the run).
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -8,6 +9,7 @@ cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
 cmake --build build --parallel "$(nproc)"
 
 scripts/fuzz.sh 10
+scripts/sanitized-playback.sh
 
 # OpenGL tests need a display: a virtual one with Mesa's software renderer, no audio device.
 export LIBGL_ALWAYS_SOFTWARE=1 SDL_AUDIODRIVER=dummy
