@@ -88,6 +88,7 @@ void Shader::swapProgram(Shader& other) {
 }
 
 bool Shader::link() {
+    uniformLocations.clear();
     glDeleteProgram(program);
     program = glCreateProgram();
     glAttachShader(program, vertexShader);
@@ -128,9 +129,9 @@ void Shader::clearTextureUnitList() {
     std::fill(textureUnits.begin(), textureUnits.end(), nullptr);
 }
 
-void Shader::setTextureUnit(unsigned int unit, std::string name, Texture* texture) {
+void Shader::setTextureUnit(unsigned int unit, std::string_view name, Texture* texture) {
     KVT_ASSERT(unit < textureUnits.size(), "demosys/Shader", "setTextureUnit");
-    const GLint at = glGetUniformLocation(program, name.c_str());
+    const GLint at = cachedLocation(name);
     glActiveTexture(GL_TEXTURE0 + unit);
     texture->bind();
     glUniform1i(at, static_cast<GLint>(unit));
@@ -138,8 +139,20 @@ void Shader::setTextureUnit(unsigned int unit, std::string name, Texture* textur
     textureUnits[unit] = texture;
 }
 
-int Shader::location(const std::string& name, bool reportMissing) const {
-    const GLint at = glGetUniformLocation(program, name.c_str());
+int Shader::cachedLocation(std::string_view name) const {
+    for (const UniformLocation& known : uniformLocations) {
+        if (known.name == name) {
+            return known.location;
+        }
+    }
+    std::string key(name); // the driver wants a terminated name
+    const GLint at = glGetUniformLocation(program, key.c_str());
+    uniformLocations.push_back({std::move(key), at});
+    return at;
+}
+
+int Shader::location(std::string_view name, bool reportMissing) const {
+    const GLint at = cachedLocation(name);
     if (at == -1 && reportMissing) {
         std::cout << "Error: Uniform variable '" << name << "' not found!" << std::endl;
         KVTDemosys::system_error = true;
@@ -147,70 +160,70 @@ int Shader::location(const std::string& name, bool reportMissing) const {
     return at;
 }
 
-void Shader::setUniform1i(std::string name, int value) {
+void Shader::setUniform1i(std::string_view name, int value) {
     const GLint at = location(name, true);
     if (at != -1) {
         glUniform1f(at, static_cast<float>(value));
     }
 }
 
-void Shader::setUniform1f(std::string name, float value) {
+void Shader::setUniform1f(std::string_view name, float value) {
     const GLint at = location(name, true);
     if (at != -1) {
         glUniform1f(at, value);
     }
 }
 
-void Shader::setUniform2f(std::string name, float x, float y) {
+void Shader::setUniform2f(std::string_view name, float x, float y) {
     const GLint at = location(name, false);
     if (at != -1) {
         glUniform2f(at, x, y);
     }
 }
 
-void Shader::setUniform3f(std::string name, float x, float y, float z) {
+void Shader::setUniform3f(std::string_view name, float x, float y, float z) {
     const GLint at = location(name, false);
     if (at != -1) {
         glUniform3f(at, x, y, z);
     }
 }
 
-void Shader::setUniform4f(std::string name, float x, float y, float z, float w) {
+void Shader::setUniform4f(std::string_view name, float x, float y, float z, float w) {
     const GLint at = location(name, false);
     if (at != -1) {
         glUniform4f(at, x, y, z, w);
     }
 }
 
-void Shader::setUniform2fv(std::string name, Vector<float, 2> v) {
+void Shader::setUniform2fv(std::string_view name, Vector<float, 2> v) {
     const GLint at = location(name, false);
     if (at != -1) {
         glUniform2fv(at, 1, v.data());
     }
 }
 
-void Shader::setUniform3fv(std::string name, Vector<float, 3> v) {
+void Shader::setUniform3fv(std::string_view name, Vector<float, 3> v) {
     const GLint at = location(name, false);
     if (at != -1) {
         glUniform3fv(at, 1, v.data());
     }
 }
 
-void Shader::setUniform4fv(std::string name, Vector<float, 4> v) {
+void Shader::setUniform4fv(std::string_view name, Vector<float, 4> v) {
     const GLint at = location(name, false);
     if (at != -1) {
         glUniform4fv(at, 1, v.data());
     }
 }
 
-void Shader::setUniform3x3m(std::string name, float* matrix) {
+void Shader::setUniform3x3m(std::string_view name, float* matrix) {
     const GLint at = location(name, true);
     if (at != -1) {
         glUniformMatrix3fv(at, 1, GL_FALSE, matrix);
     }
 }
 
-void Shader::setUniform4x4m(std::string name, float* matrix) {
+void Shader::setUniform4x4m(std::string_view name, float* matrix) {
     const GLint at = location(name, true);
     if (at != -1) {
         glUniformMatrix4fv(at, 1, GL_FALSE, matrix);

@@ -11,14 +11,10 @@ Track::~Track() {
 
 void Track::clear() {
     for (auto& entry : keyframes) {
-        deleteStored(entry.second);
+        deleteKeyframeAsStored(entry.second);
     }
     keyframes.clear();
-}
-
-void Track::erase(KeyframeMap::iterator entry) {
-    deleteStored(entry->second);
-    keyframes.erase(entry);
+    keyframesChanged();
 }
 
 void Track::addKeyframe(TrackKeyFrame* keyframe) {
@@ -28,9 +24,16 @@ void Track::addKeyframe(TrackKeyFrame* keyframe) {
 void Track::store(unsigned int row, TrackKeyFrame* keyframe) {
     TrackKeyFrame*& slot = keyframes[row];
     if (slot != keyframe) {
-        deleteStored(slot);
+        deleteKeyframeAsStored(slot);
     }
     slot = keyframe;
+    keyframesChanged();
+}
+
+void Track::erase(KeyframeMap::iterator entry) {
+    deleteKeyframeAsStored(entry->second);
+    keyframes.erase(entry);
+    keyframesChanged();
 }
 
 void Track::insertInterval(TrackKeyFrame* start, TrackKeyFrame* stop) {

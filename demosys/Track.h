@@ -6,7 +6,9 @@
 
 class TrackKeyFrame;
 
-// Keyframes ordered by row, at most one a row. The track owns its keyframes.
+// Keyframes ordered by row, at most one a row. The track owns its keyframes and deletes each
+// as the keyframe type its kind of track stores (the keyframe classes have no virtual
+// destructor).
 // On start/stop tracks keyframes alternate start, stop, ...; each pair is an interval that
 // covers its start row through its stop row, both included.
 class Track {
@@ -22,6 +24,10 @@ public:
                                   std::vector<TrackKeyFrame*>& out);
     // Checks that keyframes alternate start, stop, ...; prints the first mismatch.
     virtual bool validateKeyframes();
+    // Every change to the keys ends here, so that copies of the keys kept for evaluation are
+    // dropped. Call it after changing a keyframe's fields through a pointer the track handed
+    // out.
+    virtual void keyframesChanged() {}
 
     // Takes ownership. A keyframe already at that row is replaced and deleted.
     void addKeyframe(TrackKeyFrame* keyframe);
@@ -48,12 +54,12 @@ public:
 protected:
     using KeyframeDeleter = void (*)(TrackKeyFrame*);
 
-    // The keyframe classes have no virtual destructor: each kind of track deletes its
-    // keyframes as the type it stores.
+    // Deletes a keyframe as the type a kind of track stores.
     template <class KeyFrame> static void deleteAs(TrackKeyFrame* keyframe) {
         delete static_cast<KeyFrame*>(keyframe);
     }
-    explicit Track(KeyframeDeleter deleter) : deleteStored(deleter) {}
+
+    explicit Track(KeyframeDeleter deleter) : deleteKeyframeAsStored(deleter) {}
 
     // Deletes the keyframe of an entry and removes the entry.
     void erase(KeyframeMap::iterator entry);
@@ -64,5 +70,5 @@ private:
     // Puts keyframe at row, deleting the keyframe it replaces.
     void store(unsigned int row, TrackKeyFrame* keyframe);
 
-    KeyframeDeleter deleteStored;
+    KeyframeDeleter deleteKeyframeAsStored;
 };

@@ -20,7 +20,7 @@ public:
     // Takes ownership.
     void setStartStopTrack(TrackStartStop* track) { startStop = track; }
     TrackStartStop* getStartStopTrack() const { return startStop; }
-    std::string getName() const { return name; }
+    const std::string& getName() const { return name; }
 
     // Takes ownership; a later track of the same name shadows the earlier in name look-ups.
     void addInterpolateTrack(TrackInterpolate* track);

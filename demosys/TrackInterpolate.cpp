@@ -1,5 +1,6 @@
 #include "TrackInterpolate.h"
 
+#include "KVTDemosys.h"
 #include "TrackKeyFrameInterpolate.h"
 #include "TrackSystem.h"
 
@@ -10,23 +11,55 @@ namespace {
 
 const double Pi = 3.141592653589793;
 
-const TrackKeyFrameInterpolate& asInterpolate(const TrackKeyFrame* keyframe) {
-    return *static_cast<const TrackKeyFrameInterpolate*>(keyframe);
-}
-
 TrackKeyFrameInterpolate* asInterpolatePointer(TrackKeyFrame* keyframe) {
     return static_cast<TrackKeyFrameInterpolate*>(keyframe);
 }
 
-float blend(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b, double w) {
-    return static_cast<float>(a.value + (b.value - a.value) * w);
+float linearBetween(float a, float b, float t) {
+    return a + (b - a) * t;
+}
+
+float rampBetween(float a, float b, float t) {
+    return a + (b - a) * (t * t);
+}
+
+// Leaves a with no slope and arrives at b with none.
+float smoothBetween(float a, float b, float t) {
+    return a + (b - a) * (t * t * (3.0f - 2.0f * t));
+}
+
+// Out of line, so that the curves without a cosine need no stack frame.
+[[gnu::noinline]] float cosineBetween(float a, float b, float t, bool easeOut) {
+    double w = easeOut ? std::cos((1.0 - t) * Pi * 0.5) : 1.0 - std::cos(t * Pi * 0.5);
+    return static_cast<float>(a + (b - a) * w);
+}
+
+// The value between a and b at fraction t, shaped by the interpolation code of a.
+float curve(int interpolation, float a, float b, float t) {
+    switch (interpolation) {
+    case TrackInterpolate::EASE_OUT:
+        return cosineBetween(a, b, t, true);
+    case TrackInterpolate::EASE_IN:
+        return cosineBetween(a, b, t, false);
+    case TrackInterpolate::STEP:
+        return a;
+    case TrackInterpolate::RAMP:
+        return rampBetween(a, b, t);
+    case TrackInterpolate::SMOOTH:
+        return smoothBetween(a, b, t);
+    default:
+        return linearBetween(a, b, t);
+    }
 }
 
 } // namespace
 
+TrackInterpolate::TrackInterpolate(std::string trackName)
+    : Track(&deleteAs<TrackKeyFrameInterpolate>), name(std::move(trackName)) {}
+
 float TrackInterpolate::linear(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
                                float t) {
-    return a.value + (b.value - a.value) * t;
+    return linearBetween(a.value, b.value, t);
 }
 
 float TrackInterpolate::step(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate&,
@@ -36,57 +69,59 @@ float TrackInterpolate::step(const TrackKeyFrameInterpolate& a, const TrackKeyFr
 
 float TrackInterpolate::ramp(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
                              float t) {
-    return a.value + (b.value - a.value) * (t * t);
+    return rampBetween(a.value, b.value, t);
 }
 
-// Leaves a with no slope and arrives at b with none.
 float TrackInterpolate::smooth(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
                                float t) {
-    return a.value + (b.value - a.value) * (t * t * (3.0f - 2.0f * t));
+    return smoothBetween(a.value, b.value, t);
 }
 
 float TrackInterpolate::cosine(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
                                float t, bool easeOut) {
-    double w = easeOut ? std::cos((1.0 - t) * Pi * 0.5) : 1.0 - std::cos(t * Pi * 0.5);
-    return blend(a, b, w);
+    return cosineBetween(a.value, b.value, t, easeOut);
 }
 
+// The segment is chosen by the integer row, the fraction within it by the fractional row.
+// The rare paths are calls out of line, so that the common one needs no stack frame.
 float TrackInterpolate::getValue(unsigned int timeMs) const {
-    if (keyframes.empty()) {
-        return 0.0f;
+    const unsigned int rowRate = TrackSystem::rowRateOf(KVTDemosys::tracks);
+    if (rowRate != preparedRowRate) {
+        return valueAfterUpdate(timeMs, rowRate);
     }
-    unsigned int rowRate = TrackSystem::globalRowRate();
-    unsigned int row = rowRate * timeMs / 1000;
-    if (keyframes.size() == 1) {
-        const auto& only = *keyframes.begin();
-        return row >= only.first ? asInterpolate(only.second).value : 0.0f;
+    const unsigned int row = rowRate * timeMs / 1000;
+    const TrackEvaluationIndex::Segment& segment = index.lastSegment();
+    if (!TrackEvaluationIndex::holds(segment, row)) {
+        return valueAfterLocating(timeMs, row);
     }
-    auto after = keyframes.upper_bound(row);
-    if (after == keyframes.begin()) {
-        return 0.0f;
+    return valueIn(segment, timeMs);
+}
+
+[[gnu::noinline]] float TrackInterpolate::valueAfterUpdate(unsigned int timeMs,
+                                                           unsigned int rowRate) const {
+    if (index.isStale()) {
+        index.rebuild(keyframes);
     }
-    if (after == keyframes.end()) {
-        return asInterpolate(keyframes.rbegin()->second).value;
-    }
-    const TrackKeyFrameInterpolate& a = asInterpolate(std::prev(after)->second);
-    const TrackKeyFrameInterpolate& b = asInterpolate(after->second);
-    float fractionalRow = timeMs / (1000.0f / rowRate);
-    float f = (fractionalRow - static_cast<float>(a.row)) /
-              (static_cast<float>(b.row) - static_cast<float>(a.row));
-    switch (a.interpolation) {
-    case EASE_OUT:
-        return cosine(a, b, f, true);
-    case EASE_IN:
-        return cosine(a, b, f, false);
-    case STEP:
-        return step(a, b, f);
-    case RAMP:
-        return ramp(a, b, f);
-    case SMOOTH:
-        return smooth(a, b, f);
-    default:
-        return linear(a, b, f);
-    }
+    preparedRowRate = rowRate;
+    millisecondsPerRow = FloatDivisor(1000.0f / rowRate);
+    return getValue(timeMs);
+}
+
+[[gnu::noinline]] float TrackInterpolate::valueAfterLocating(unsigned int timeMs,
+                                                             unsigned int row) const {
+    return valueIn(index.locate(row), timeMs);
+}
+
+float TrackInterpolate::valueIn(const TrackEvaluationIndex::Segment& segment,
+                                unsigned int timeMs) const {
+    const float fractionalRow = millisecondsPerRow.divide(static_cast<float>(timeMs));
+    const float f = (fractionalRow - segment.startRow) / segment.length;
+    return curve(segment.interpolation, segment.from, segment.to, f);
+}
+
+void TrackInterpolate::keyframesChanged() {
+    index.invalidate(keyframes.size());
+    preparedRowRate = Unprepared;
 }
 
 TrackKeyFrameInterpolate* TrackInterpolate::getClosestKeyframe(unsigned int row) const {
@@ -113,9 +148,6 @@ TrackKeyFrameInterpolate* TrackInterpolate::getClosestKeyframeUpwards(unsigned i
     }
     return getClosestKeyframe(row);
 }
-
-TrackInterpolate::TrackInterpolate(std::string trackName)
-    : Track(&deleteAs<TrackKeyFrameInterpolate>), name(std::move(trackName)) {}
 
 void TrackInterpolate::deleteKeyframe(unsigned int row) {
     auto atOrAfter = keyframes.lower_bound(row);

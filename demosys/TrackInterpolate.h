@@ -1,7 +1,10 @@
 #pragma once
 
+#include "FloatDivisor.h"
 #include "Track.h"
+#include "TrackEvaluationIndex.h"
 
+#include <cstdint>
 #include <string>
 
 class TrackKeyFrameInterpolate;
@@ -11,6 +14,8 @@ class TrackKeyFrameInterpolate;
 // 0 linear, 1 ease-out (fast start), 2 ease-in (gentle start), 3 step, 4 ramp (f*f),
 // 5 smooth (3f² - 2f³, the sync editors' smooth key); any other code is linear. Holds only
 // TrackKeyFrameInterpolate keyframes.
+// The map of keyframes is what edits change; evaluation reads a flat copy of it (see
+// TrackEvaluationIndex), which every change to the keys invalidates.
 class TrackInterpolate : public Track {
 public:
     static constexpr int LINEAR = 0;
@@ -24,7 +29,8 @@ public:
 
     std::string getName() const { return name; }
     // The value at a clock time in milliseconds: 0 before the first keyframe, the last
-    // value held after the last one. Never allocates.
+    // value held after the last one. Never allocates. Not for concurrent use: it rebuilds the
+    // evaluation copy and remembers where it found the time.
     float getValue(unsigned int timeMs) const;
 
     TrackKeyFrameInterpolate* getClosestKeyframe(unsigned int row) const;
@@ -33,6 +39,7 @@ public:
     // The keyframes that shape the curve across from..to.
     void getKeyFrameRange(unsigned int from, unsigned int to,
                           std::vector<TrackKeyFrame*>& out) override;
+    void keyframesChanged() override;
 
     // The value between a and b at fraction t (0 at a, 1 at b).
     static float linear(const TrackKeyFrameInterpolate& a, const TrackKeyFrameInterpolate& b,
@@ -48,5 +55,19 @@ public:
                         float t, bool easeOut);
 
 private:
+    // getValue() once the keys or the row rate changed: brings the index and the divisor up
+    // to date first.
+    float valueAfterUpdate(unsigned int timeMs, unsigned int rowRate) const;
+    // getValue() once the time left the segment of the last call.
+    float valueAfterLocating(unsigned int timeMs, unsigned int row) const;
+    float valueIn(const TrackEvaluationIndex::Segment& segment, unsigned int timeMs) const;
+
     std::string name;
+    mutable TrackEvaluationIndex index;
+    // The row rate that the index and the divisor are ready for; none (a value no rate has)
+    // after a change to the keys.
+    static constexpr std::uint64_t Unprepared = std::uint64_t{1} << 32;
+    mutable std::uint64_t preparedRowRate = Unprepared;
+    // Divides by 1000 / rowRate in single precision.
+    mutable FloatDivisor millisecondsPerRow{1.0f};
 };

@@ -5,7 +5,8 @@
 class FBO;
 
 // When, in which order and into which render target an effect draws: intervals of
-// start/stop keyframes. Lower priorities draw first.
+// start/stop keyframes. Lower priorities draw first. Holds only TrackStartStopKeyFrame
+// keyframes.
 class TrackStartStop : public Track {
 public:
     explicit TrackStartStop(int drawPriority);

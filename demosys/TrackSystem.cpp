@@ -20,8 +20,7 @@ TrackSystem::~TrackSystem() {
 }
 
 unsigned int TrackSystem::globalRowRate() {
-    const TrackSystem* system = KVTDemosys::tracks;
-    return static_cast<unsigned int>(system != nullptr ? system->rowRate : DefaultRowRate);
+    return rowRateOf(KVTDemosys::tracks);
 }
 
 void TrackSystem::addTrackGroup(TrackGroup* group) {
@@ -95,11 +94,10 @@ void TrackSystem::printPriority() const {
 }
 
 void TrackSystem::processSystem(unsigned int time, unsigned int row, unsigned int frameTime) {
-    activeEffects.clear();
     activeTrackGroups.clear();
+    activeTrackGroups.reserve(sortedTrackGroups.size());
     for (TrackGroup* group : sortedTrackGroups) {
         if (group->isActive(time, row)) {
-            activeEffects[group->getName()] = group->effect;
             activeTrackGroups.push_back(group);
         }
     }
@@ -114,8 +112,11 @@ void TrackSystem::processSystem(unsigned int time, unsigned int row, unsigned in
     }
 }
 
+// A scan of the few active groups: keeping a name map of them instead would cost
+// allocations every frame.
 bool TrackSystem::isEffectActive(const std::string& name) const {
-    return activeEffects.count(name) != 0;
+    return std::any_of(activeTrackGroups.begin(), activeTrackGroups.end(),
+                       [&name](const TrackGroup* group) { return group->getName() == name; });
 }
 
 bool TrackSystem::validateStartStopTracks() const {

@@ -4,7 +4,6 @@
 #include <string>
 #include <vector>
 
-class Effect;
 class TrackGroup;
 class TrackStartStop;
 
@@ -23,6 +22,10 @@ public:
 
     // Rows per second of the registered system (KVTDemosys::tracks), or the default.
     static unsigned int globalRowRate();
+    // Rows per second of a system, or the default without one.
+    static unsigned int rowRateOf(const TrackSystem* system) {
+        return static_cast<unsigned int>(system != nullptr ? system->rowRate : DefaultRowRate);
+    }
 
     int getRowRate() const { return rowRate; }
     void setRowRate(int rate) { rowRate = rate; }
@@ -44,7 +47,9 @@ public:
     void swapTracks(int a, int b);
     void printPriority() const;
 
+    // Allocates only on the first call, when the list of active groups gets room for all.
     void processSystem(unsigned int time, unsigned int row, unsigned int frameTime);
+    // Whether a group of that name was active in the last processed frame.
     bool isEffectActive(const std::string& name) const;
 
     bool validateStartStopTracks() const;
@@ -55,7 +60,6 @@ public:
 private:
     std::map<std::string, TrackGroup*> trackGroups;
     std::vector<TrackGroup*> sortedTrackGroups;
-    std::map<std::string, Effect*> activeEffects;
     std::vector<TrackGroup*> activeTrackGroups;
     std::vector<TrackGroup*> ownedGroups;
     int rowRate = DefaultRowRate;

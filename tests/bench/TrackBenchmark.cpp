@@ -1,4 +1,5 @@
-// Cost of sync-track evaluation and of the per-frame effect scheduling.
+// Cost of sync-track evaluation, beside a plain sorted array searched by bisection, and of the
+// per-frame effect scheduling.
 #include "DataFBOPool.h"
 #include "Effect.h"
 #include "FrameTimer.h"
@@ -11,32 +12,147 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <cmath>
 #include <memory>
+#include <random>
 #include <vector>
 
 namespace {
 
-// Keyframes every 4 rows, alternating interpolation kinds.
-std::unique_ptr<TrackInterpolate> trackWithKeyframes(int count) {
-    auto track = std::make_unique<TrackInterpolate>("value");
+enum Order { PLAYBACK, RANDOM };
+enum Codes { LINEAR_ONLY, MIXED };
+
+struct Key {
+    unsigned int row;
+    float value;
+    int interpolation;
+};
+
+// Keys 1 to 4 rows apart from row 20 on; all linear, or cycling through the codes 0 to 4.
+std::vector<Key> makeKeys(int count, Codes codes) {
+    std::mt19937 random(7);
+    std::vector<Key> keys;
+    unsigned int row = 20;
     for (int i = 0; i < count; ++i) {
-        track->addKeyframe(new TrackKeyFrameInterpolate(static_cast<unsigned int>(i * 4), i % 5,
-                                                        static_cast<float>(i % 7)));
+        const int interpolation = codes == MIXED ? i % 5 : TrackInterpolate::LINEAR;
+        keys.push_back({row, static_cast<float>(random() % 1000) * 0.01f, interpolation});
+        row += 1 + random() % 4;
+    }
+    return keys;
+}
+
+std::unique_ptr<TrackInterpolate> trackOf(const std::vector<Key>& keys) {
+    auto track = std::make_unique<TrackInterpolate>("value");
+    for (const Key& key : keys) {
+        track->addKeyframe(new TrackKeyFrameInterpolate(key.row, key.interpolation, key.value));
     }
     return track;
 }
 
-void BM_TrackInterpolateGetValue(benchmark::State& state) {
-    int keyframes = static_cast<int>(state.range(0));
-    auto track = trackWithKeyframes(keyframes);
-    unsigned int span = static_cast<unsigned int>(keyframes) * 4 * 50;
+// From the clock's start, before the first key, to two seconds after the last key.
+unsigned int spanMs(const std::vector<Key>& keys) {
+    return keys.back().row / TrackSystem::DefaultRowRate * 1000 + 2000;
+}
+
+// Playback: 60 frames a second (17, 17 and 16 ms) through the whole span, then again.
+// Random: uniformly anywhere in the span.
+std::vector<unsigned int> queryTimes(Order order, unsigned int span) {
+    std::vector<unsigned int> times(1 << 16);
+    std::mt19937 random(11);
     unsigned int time = 0;
-    for (auto _ : state) {
-        benchmark::DoNotOptimize(track->getValue(time));
-        time = (time + 7919) % span;
+    for (std::size_t i = 0; i < times.size(); ++i) {
+        times[i] = order == RANDOM ? random() % span : time;
+        time = (time + (i % 3 == 2 ? 16 : 17)) % span;
+    }
+    return times;
+}
+
+float shaped(int interpolation, float a, float b, float f) {
+    const double pi = 3.141592653589793;
+    switch (interpolation) {
+    case TrackInterpolate::EASE_OUT:
+        return static_cast<float>(a + (b - a) * std::cos((1.0 - f) * pi * 0.5));
+    case TrackInterpolate::EASE_IN:
+        return static_cast<float>(a + (b - a) * (1.0 - std::cos(f * pi * 0.5)));
+    case TrackInterpolate::STEP:
+        return a;
+    case TrackInterpolate::RAMP:
+        return a + (b - a) * (f * f);
+    default:
+        return a + (b - a) * f;
     }
 }
-BENCHMARK(BM_TrackInterpolateGetValue)->Arg(10)->Arg(1000)->Arg(100000);
+
+// The baseline: the same evaluation over one array of keys searched with std::upper_bound.
+// Called as a function, as the track's getValue is.
+[[gnu::noinline]] float baselineValue(const std::vector<Key>& keys, unsigned int rowRate,
+                                      unsigned int timeMs) {
+    const unsigned int row = rowRate * timeMs / 1000;
+    auto after = std::upper_bound(keys.begin(), keys.end(), row,
+                                  [](unsigned int r, const Key& key) { return r < key.row; });
+    if (after == keys.begin()) {
+        return 0.0f;
+    }
+    if (after == keys.end()) {
+        return keys.back().value;
+    }
+    const Key& a = after[-1];
+    const Key& b = after[0];
+    const float fractionalRow = timeMs / (1000.0f / rowRate);
+    const float f = (fractionalRow - static_cast<float>(a.row)) /
+                    (static_cast<float>(b.row) - static_cast<float>(a.row));
+    return shaped(a.interpolation, a.value, b.value, f);
+}
+
+void labelOrder(benchmark::State& state, Order order) {
+    state.SetLabel(order == RANDOM ? "random" : "playback");
+    state.SetItemsProcessed(state.iterations());
+}
+
+void BM_TrackValue(benchmark::State& state) {
+    const auto order = static_cast<Order>(state.range(1));
+    const std::vector<Key> keys =
+        makeKeys(static_cast<int>(state.range(0)), static_cast<Codes>(state.range(2)));
+    const auto track = trackOf(keys);
+    const std::vector<unsigned int> times = queryTimes(order, spanMs(keys));
+    std::size_t next = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(track->getValue(times[next]));
+        next = (next + 1) & (times.size() - 1);
+    }
+    labelOrder(state, order);
+}
+
+void BM_BaselineValue(benchmark::State& state) {
+    const auto order = static_cast<Order>(state.range(1));
+    const std::vector<Key> keys =
+        makeKeys(static_cast<int>(state.range(0)), static_cast<Codes>(state.range(2)));
+    const std::vector<unsigned int> times = queryTimes(order, spanMs(keys));
+    const unsigned int rowRate = TrackSystem::globalRowRate();
+    std::size_t next = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(baselineValue(keys, rowRate, times[next]));
+        next = (next + 1) & (times.size() - 1);
+    }
+    labelOrder(state, order);
+}
+
+// Keys, order, codes: every size in both orders with linear keys, and one size with every
+// code, where the cosine of the easing codes adds the same to both.
+void evaluationArguments(benchmark::internal::Benchmark* benchmark) {
+    benchmark->ArgNames({"keys", "order", "codes"});
+    for (int keys : {16, 1000, 100000, 1000000}) {
+        for (Order order : {PLAYBACK, RANDOM}) {
+            benchmark->Args({keys, order, LINEAR_ONLY});
+        }
+    }
+    for (Order order : {PLAYBACK, RANDOM}) {
+        benchmark->Args({1000, order, MIXED});
+    }
+}
+BENCHMARK(BM_TrackValue)->Apply(evaluationArguments);
+BENCHMARK(BM_BaselineValue)->Apply(evaluationArguments);
 
 // An effect that reads three of its parameters each frame, as the production's effects do.
 class ReadingEffect : public Effect {
@@ -54,18 +170,20 @@ public:
     TrackInterpolate* c = nullptr;
 };
 
-// Nine groups of effects reading three parameters each, intervals every 200 rows.
-void fillNineGroups(TrackSystem& system, std::vector<std::unique_ptr<ReadingEffect>>& effects) {
-    const int groups = 9;
+// Groups of effects reading three parameters each, with intervals of 150 rows every 200 rows
+// at staggered starts, so that about three in four groups draw in any frame.
+void fillGroups(TrackSystem& system, std::vector<std::unique_ptr<ReadingEffect>>& effects,
+                int groups) {
     for (int g = 0; g < groups; ++g) {
         effects.push_back(std::make_unique<ReadingEffect>());
         ReadingEffect* effect = effects.back().get();
         effect->registerTracks();
         auto* group = new TrackGroup("effect" + std::to_string(g));
         auto* startStop = new TrackStartStop(g);
+        const unsigned int offset = static_cast<unsigned int>(g * 10 % 50);
         for (unsigned int start = 0; start < 3000; start += 200) {
-            startStop->insertInterval(new TrackStartStopKeyFrame(start + g * 10, 1),
-                                      new TrackStartStopKeyFrame(start + 150, 0));
+            startStop->insertInterval(new TrackStartStopKeyFrame(start + offset, 1),
+                                      new TrackStartStopKeyFrame(start + offset + 150, 0));
         }
         group->setStartStopTrack(startStop);
         for (int t = 0; t < effect->getTrackCount(); ++t) {
@@ -85,22 +203,28 @@ void fillNineGroups(TrackSystem& system, std::vector<std::unique_ptr<ReadingEffe
 void BM_TrackSystemProcessSystem(benchmark::State& state) {
     std::vector<std::unique_ptr<ReadingEffect>> effects;
     TrackSystem system;
-    fillNineGroups(system, effects);
+    fillGroups(system, effects, static_cast<int>(state.range(0)));
     unsigned int frame = 0;
     for (auto _ : state) {
-        unsigned int time = (frame * 16) % 150850;
+        unsigned int time = (frame * 16) % 150000;
         system.processSystem(time, time / 50, 16);
         ++frame;
     }
+    state.SetComplexityN(state.range(0));
 }
-BENCHMARK(BM_TrackSystemProcessSystem);
+BENCHMARK(BM_TrackSystemProcessSystem)
+    ->ArgName("groups")
+    ->Arg(9)
+    ->Arg(500)
+    ->Arg(2000)
+    ->Complexity(benchmark::oN);
 
 // The engine's own work in one frame of the main loop, apart from what effects draw and the
 // OpenGL calls: reading the clock, scheduling nine groups, the framebuffer pool's clear pass.
 void BM_EngineFrameBookkeeping(benchmark::State& state) {
     std::vector<std::unique_ptr<ReadingEffect>> effects;
     TrackSystem system;
-    fillNineGroups(system, effects);
+    fillGroups(system, effects, 9);
     FrameTimer timer(20, 1000.0 / 60.0);
     timer.init();
     timer.play();

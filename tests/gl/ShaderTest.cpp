@@ -142,6 +142,27 @@ TEST_F(Shaders, MissingUniformsAreReportedExceptByTheVectorSetters) {
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
+// Locations are remembered per name until the program is linked again, as a shader reload
+// does: a uniform missing before the relink is found after it, and one that moved is followed.
+TEST_F(Shaders, ARelinkedProgramFindsItsUniformsAnew) {
+    auto shader = compiled(PASS_VERTEX, "uniform vec4 first;\n"
+                                        "void main() { gl_FragColor = first; }\n");
+    shader->use();
+    shader->setUniform4f("first", 1, 2, 3, 4);
+    shader->setUniform4f("second", 1, 2, 3, 4);
+    EXPECT_EQ(uniformValues(*shader, "first", 4), (std::vector<float>{1, 2, 3, 4}));
+
+    ASSERT_TRUE(shader->setFragmentSource("uniform vec4 second; uniform vec4 first;\n"
+                                          "void main() { gl_FragColor = second - first; }\n"));
+    ASSERT_TRUE(shader->link()) << shader->getErrorMessage();
+    shader->use();
+    shader->setUniform4f("second", 5, 6, 7, 8);
+    shader->setUniform4f("first", 4, 3, 2, 1);
+    EXPECT_EQ(uniformValues(*shader, "second", 4), (std::vector<float>{5, 6, 7, 8}));
+    EXPECT_EQ(uniformValues(*shader, "first", 4), (std::vector<float>{4, 3, 2, 1}));
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
+}
+
 TEST_F(Shaders, SetUniform1iOnASamplerGoesThroughTheFloatEntryPoint) {
     auto shader =
         compiled(PASS_VERTEX, "uniform sampler2D tex;\n"

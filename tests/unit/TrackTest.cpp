@@ -1,12 +1,17 @@
+#include "KVTDemosys.h"
 #include "TrackGroup.h"
 #include "TrackInterpolate.h"
 #include "TrackKeyFrameInterpolate.h"
 #include "TrackStartStop.h"
 #include "TrackStartStopKeyFrame.h"
+#include "TrackSystem.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <iterator>
+#include <random>
 
 namespace {
 
@@ -32,16 +37,162 @@ std::vector<unsigned int> rowsOf(const std::vector<TrackKeyFrame*>& keyframes) {
     return rows;
 }
 
-} // namespace
-
-TEST(TrackInterpolate, EmptyAndSingleKeyframeTracks) {
-    TrackInterpolate track("fade");
-    EXPECT_EQ(track.getValue(5000), 0.0f);
-    addKey(track, 10, 4.0f);
-    EXPECT_EQ(track.getValue(499), 0.0f) << "row 9 lies before the only keyframe";
-    EXPECT_EQ(track.getValue(500), 4.0f);
-    EXPECT_EQ(track.getValue(100000), 4.0f);
+// The evaluation as the keyframe map gives it directly: the reference for the track's own.
+float mapValue(const Track::KeyframeMap& keys, unsigned int rowRate, unsigned int timeMs) {
+    const double pi = 3.141592653589793;
+    if (keys.empty()) {
+        return 0.0f;
+    }
+    const unsigned int row = rowRate * timeMs / 1000;
+    auto value = [](const TrackKeyFrame* key) {
+        return static_cast<const TrackKeyFrameInterpolate*>(key)->value;
+    };
+    if (keys.size() == 1) {
+        return row >= keys.begin()->first ? value(keys.begin()->second) : 0.0f;
+    }
+    auto after = keys.upper_bound(row);
+    if (after == keys.begin()) {
+        return 0.0f;
+    }
+    if (after == keys.end()) {
+        return value(keys.rbegin()->second);
+    }
+    const auto& a = *static_cast<const TrackKeyFrameInterpolate*>(std::prev(after)->second);
+    const auto& b = *static_cast<const TrackKeyFrameInterpolate*>(after->second);
+    const float p = timeMs / (1000.0f / rowRate);
+    const float f =
+        (p - static_cast<float>(a.row)) / (static_cast<float>(b.row) - static_cast<float>(a.row));
+    switch (a.interpolation) {
+    case 1:
+        return static_cast<float>(a.value + (b.value - a.value) * std::cos((1.0 - f) * pi * 0.5));
+    case 2:
+        return static_cast<float>(a.value + (b.value - a.value) * (1.0 - std::cos(f * pi * 0.5)));
+    case 3:
+        return a.value;
+    case 4:
+        return a.value + (b.value - a.value) * (f * f);
+    case 5:
+        return a.value + (b.value - a.value) * (f * f * (3.0f - 2.0f * f));
+    default:
+        return a.value + (b.value - a.value) * f;
+    }
 }
+
+// Random tracks and random edits, with the clock times that probe them.
+class RandomTracks {
+public:
+    explicit RandomTracks(unsigned int seed) : random(seed) {}
+
+    unsigned int below(unsigned int n) { return static_cast<unsigned int>(random() % n); }
+
+    // Rows packed densely, spread sparsely, or up by the last row the clock reaches (the
+    // row rate times the time wraps around 32 bits before it is divided by 1000).
+    unsigned int row() {
+        switch (layout) {
+        case 0:
+            return below(60);
+        case 1:
+            return below(4000000);
+        default:
+            return 0xFFFFFFFFu / 1000 - below(2000);
+        }
+    }
+
+    void add(TrackInterpolate& track) {
+        const int interpolation = static_cast<int>(below(11)) - 2;
+        const float value = std::uniform_real_distribution<float>(-1000.0f, 1000.0f)(random);
+        track.addKeyframe(new TrackKeyFrameInterpolate(row(), interpolation, value));
+    }
+
+    void fill(TrackInterpolate& track) {
+        layout = below(3);
+        const unsigned int count = below(4) == 0 ? below(3) : below(below(8) == 0 ? 3000 : 40);
+        for (unsigned int i = 0; i < count; ++i) {
+            add(track);
+        }
+    }
+
+    // A row that holds a key, when there is one.
+    unsigned int keyRow(const TrackInterpolate& track) {
+        if (track.size() == 0) {
+            return row();
+        }
+        return std::next(track.getKeyframes().begin(), below(track.size()))->first;
+    }
+
+    void edit(TrackInterpolate& track) {
+        switch (below(7)) {
+        case 0:
+            add(track);
+            break;
+        case 1:
+            track.addKeyframe(new TrackKeyFrameInterpolate(keyRow(track), 0, 5.0f));
+            break;
+        case 2:
+            track.deleteKeyframe(below(2) == 0 ? keyRow(track) : row());
+            break;
+        case 3:
+            track.moveRow(keyRow(track), below(2) == 0 ? keyRow(track) : row());
+            break;
+        case 4:
+            track.deleteInterval(row());
+            break;
+        case 5:
+            track.insertInterval(new TrackKeyFrameInterpolate(row(), 3, 1.0f),
+                                 new TrackKeyFrameInterpolate(row(), 2, -1.0f));
+            break;
+        default:
+            if (auto* key =
+                    static_cast<TrackKeyFrameInterpolate*>(track.getKeyframe(keyRow(track)))) {
+                key->value = -key->value;
+                key->interpolation = static_cast<int>(below(6));
+                track.keyframesChanged();
+            }
+        }
+    }
+
+    // Clock times around the keys: on and beside their rows, before the first and after the
+    // last, anywhere in the clock's range, and runs of frames forward and back.
+    std::vector<unsigned int> times(const TrackInterpolate& track, unsigned int rowRate) {
+        std::vector<unsigned int> out;
+        auto timeOfRow = [rowRate](unsigned int row) {
+            return static_cast<unsigned int>(static_cast<unsigned long long>(row) * 1000 /
+                                             (rowRate == 0 ? 1 : rowRate));
+        };
+        for (int i = 0; i < 12; ++i) {
+            const unsigned int near = timeOfRow(keyRow(track)) + below(200) - 100;
+            out.push_back(near);
+            out.push_back(static_cast<unsigned int>(random()));
+            out.push_back(timeOfRow(row()));
+        }
+        if (track.size() != 0) {
+            out.push_back(timeOfRow(track.getKeyframes().begin()->first) - 1);
+            out.push_back(timeOfRow(track.getKeyframes().rbegin()->first) + 1);
+        }
+        unsigned int time = timeOfRow(keyRow(track)) - below(3000);
+        const int step = below(4) == 0 ? -17 : 17;
+        for (int frame = 0; frame < 60; ++frame) {
+            out.push_back(time += static_cast<unsigned int>(step - below(2)));
+        }
+        return out;
+    }
+
+    unsigned int layout = 0;
+
+private:
+    std::mt19937 random;
+};
+
+testing::AssertionResult sameBits(float value, float expected, unsigned int timeMs,
+                                  unsigned int rowRate, std::size_t keys) {
+    if (std::memcmp(&value, &expected, sizeof(float)) == 0) {
+        return testing::AssertionSuccess();
+    }
+    return testing::AssertionFailure() << "at " << timeMs << " ms, " << rowRate << " rows/s, "
+                                       << keys << " keys: " << value << " instead of " << expected;
+}
+
+} // namespace
 
 TEST(TrackInterpolate, LinearBetweenKeysZeroBeforeAndHeldAfter) {
     TrackInterpolate track("x");
@@ -90,12 +241,34 @@ TEST(TrackInterpolate, SmoothIsThreeFSquaredLessTwoFCubed) {
     EXPECT_FLOAT_EQ(track.getValue(1000), 6.0f);
 }
 
-TEST(TrackInterpolate, StepHoldsUntilTheNextKeyframeRow) {
-    TrackInterpolate track("s");
-    addKey(track, 0, 5.0f, TrackInterpolate::STEP);
-    addKey(track, 20, 9.0f);
-    EXPECT_EQ(track.getValue(999), 5.0f);
-    EXPECT_EQ(track.getValue(1000), 9.0f);
+// Every value the track gives, through any edit and at any row rate, has the bits the map of
+// keyframes gives by the plain evaluation.
+TEST(TrackInterpolate, ValuesMatchTheMapEvaluationThroughRandomEdits) {
+    struct RegisteredSystem : TrackSystem {
+        RegisteredSystem() { KVTDemosys::tracks = this; }
+        ~RegisteredSystem() { KVTDemosys::tracks = nullptr; }
+    } system;
+    RandomTracks random(16);
+    std::size_t compared = 0;
+    for (int trial = 0; trial < 300; ++trial) {
+        TrackInterpolate track("random");
+        random.fill(track);
+        for (int round = 0; round < 12; ++round) {
+            const unsigned int rowRate = random.below(4) != 0 ? 20 : random.below(200);
+            system.setRowRate(static_cast<int>(rowRate));
+            for (unsigned int time : random.times(track, rowRate)) {
+                ASSERT_TRUE(sameBits(track.getValue(time),
+                                     mapValue(track.getKeyframes(), rowRate, time), time, rowRate,
+                                     track.size()))
+                    << "trial " << trial << ", round " << round;
+                ++compared;
+            }
+            for (unsigned int edits = random.below(4); edits > 0; --edits) {
+                random.edit(track);
+            }
+        }
+    }
+    EXPECT_GT(compared, 300000u);
 }
 
 TEST(TrackInterpolate, ClosestKeyframeLookups) {
