@@ -3,7 +3,7 @@
 #include "Oscillator.h"
 #include "Parser.h"
 #include "SignalHelpers.h"
-#include "Spectrogram.h"
+#include "SoundPicture.h"
 
 #include <gtest/gtest.h>
 #include <stb/stb_image.h>

@@ -5,7 +5,7 @@
 #include "Loudness.h"
 #include "Parser.h"
 #include "Renderer.h"
-#include "Spectrogram.h"
+#include "SoundPicture.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,4 +1,4 @@
-#include "Spectrogram.h"
+#include "SoundPicture.h"
 
 #include "Font.h"
 #include "Picture.h"
