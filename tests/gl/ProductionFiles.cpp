@@ -1,6 +1,7 @@
 #include "ProductionFiles.h"
 
 #include "FBO.h"
+#include "InProgramFolder.h"
 #include "KVTIO.h"
 #include "ResourceLoader.h"
 #include "Shader.h"
@@ -15,22 +16,6 @@
 #include <filesystem>
 
 namespace gltest {
-
-namespace {
-
-// Runs a resource read from the folder that holds the built program and its resources.
-class InProgramFolder {
-public:
-    InProgramFolder() : previous(std::filesystem::current_path()) {
-        std::filesystem::current_path(BRINOVA_BIN_DIR);
-    }
-    ~InProgramFolder() { std::filesystem::current_path(previous); }
-
-private:
-    std::filesystem::path previous;
-};
-
-} // namespace
 
 std::unique_ptr<Shader> productionShader(const std::string& file) {
     InProgramFolder folder;

@@ -1,6 +1,7 @@
 #include "BenchResources.h"
 
 #include "FBO.h"
+#include "InProgramFolder.h"
 #include "KVTIO.h"
 #include "ResourceLoader.h"
 #include "Shader.h"
@@ -9,22 +10,6 @@
 #include "TrackKeyFrameInterpolate.h"
 
 #include <filesystem>
-
-namespace {
-
-// Reads resources from the folder that holds the built program and its resources.
-class InProgramFolder {
-public:
-    InProgramFolder() : previous(std::filesystem::current_path()) {
-        std::filesystem::current_path(BRINOVA_BIN_DIR);
-    }
-    ~InProgramFolder() { std::filesystem::current_path(previous); }
-
-private:
-    std::filesystem::path previous;
-};
-
-} // namespace
 
 BenchResources::BenchResources() = default;
 
