@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FloatDivisor.h"
 #include "Track.h"
 
 #include <cstddef>
@@ -7,18 +8,16 @@
 
 // A flat, contiguous copy of an interpolate track's keys, made for evaluation. The keys' rows
 // divide the clock into segments, numbered from 0 (before the first key) to the key count
-// (from the last key on); segment s > 0 starts at key s - 1. One array holds the first row of
-// each segment, sorted, which a search reads; another the value and interpolation code that
-// the segment starts with. Evaluation searches them instead of the track's map, whose nodes
-// lie scattered over the heap. The track invalidates the copy on every change to its keys and
-// rebuilds it before the next evaluation.
-// It keeps what evaluating in the segment of the last look-up needs, so that playback, where
-// time moves on a little each frame, reads nothing else while it stays there, and steps to the
-// next segment without searching.
+// (from the last key on); segment s > 0 starts at key s - 1. One array holds everything
+// evaluating in each segment needs, worked out once when the index is built; a search of an
+// array of the keys' rows finds the segment of a row. Evaluation reads these instead of the
+// track's map, whose nodes lie scattered over the heap. The track invalidates the copy on
+// every change to its keys and rebuilds it before the next evaluation.
+// It keeps the segment of the last look-up, so that playback, where time moves on a little
+// each frame, reads nothing else while it stays there, and steps to the next segment
+// without searching.
 class TrackEvaluationIndex {
 public:
-    TrackEvaluationIndex() { invalidate(0); }
-
     // The keys changed. The arrays grow here, while keys are being added anyway, so that the
     // rebuild never allocates.
     void invalidate(std::size_t keyCount);
@@ -26,8 +25,9 @@ public:
     void rebuild(const Track::KeyframeMap& keyframes);
 
     // What evaluating in a segment needs: where it lies, and the curve from its first value to
-    // the next segment's, shaped by its interpolation code. Before the first key the value is
-    // 0 and from the last key on it is held: both as by a step.
+    // the next segment's, shaped by its interpolation code (an unknown code reads as the
+    // linear one it stands for). Before the first key the value is 0 and from the last key on
+    // it is held: both as by a step.
     struct Segment {
         unsigned int firstRow = 0;
         unsigned int lastRowOffset = 0; // last row - first row
@@ -35,96 +35,46 @@ public:
         float to = 0.0f;
         int interpolation = 0;
         float startRow = 0.0f; // the first row as a float
-        float length = 0.0f;   // rows to the next segment as floats: its start - startRow
+        // Divides by the rows to the next segment as floats: its start - startRow.
+        FloatDivisor length{0.0f};
     };
 
-    // The segment of the last look-up.
-    const Segment& lastSegment() const { return current; }
     static bool holds(const Segment& segment, unsigned int row) {
         return row - segment.firstRow <= segment.lastRowOffset;
     }
-    // The segment holding row, which the last look-up's does not hold (so the track has a
-    // key): the next one when it does, as in playback, else the one a search finds. Among the
-    // rows of one cache line a search costs no more than trying the next segment.
-    const Segment& locate(unsigned int row) {
-        const std::size_t keys = starts.size() - 2;
+    // The segment holding row, which becomes the last look-up's: that one when it holds row,
+    // else the one after it when that does, as in playback, else the one a search finds.
+    // Not while the index is stale.
+    const Segment& segmentOf(unsigned int row) {
+        if (holds(current, row)) {
+            return current;
+        }
         const std::size_t next = currentNumber + 1;
-        const bool stepped = keys > RowsInACacheLine && next <= keys && segmentHolds(next, row);
-        enter(stepped ? next : search(row));
-        return current;
+        return enter(holds(segments[next], row) ? next : search(row));
     }
 
 private:
-    struct Shape {
-        float value;
-        int interpolation;
-    };
-
     static constexpr std::size_t RowsInACacheLine = 64 / sizeof(unsigned int);
 
-    // A segment runs to the row before the next one starts (the last one to the clock's last
-    // row, as the entry after it starts at row 0).
-    unsigned int lastRowOffset(std::size_t segment) const {
-        return starts[segment + 1] - 1 - starts[segment];
-    }
-    bool segmentHolds(std::size_t segment, unsigned int row) const {
-        return row - starts[segment] <= lastRowOffset(segment);
-    }
-
-    void enter(std::size_t segment) {
+    // Keeps a copy of a segment as the last look-up's, and gives the original, which the
+    // caller reads without waiting for the copy.
+    const Segment& enter(std::size_t segment) {
         currentNumber = segment;
-        current.firstRow = starts[segment];
-        current.lastRowOffset = lastRowOffset(segment);
-        current.from = shapes[segment].value;
-        current.to = shapes[segment + 1].value;
-        current.interpolation = shapes[segment].interpolation;
-        current.startRow = static_cast<float>(starts[segment]);
-        current.length = static_cast<float>(starts[segment + 1]) - current.startRow;
+        current = segments[segment];
+        return segments[segment];
     }
+    // The number of keys whose row is not greater than row, which is the segment holding row.
+    std::size_t search(unsigned int row) const;
 
-    // The number of keys whose row is not greater than row, which is the segment holding row,
-    // by a binary search without branches on the comparisons (random queries would mispredict
-    // half of them).
-    std::size_t search(unsigned int row) const {
-        const unsigned int* keyRows = starts.data() + 1;
-        const unsigned int* first = keyRows;
-        std::size_t count = starts.size() - 2;
-        if (count > RowsInACacheLine) {
-            while (count > RowsInACacheLine) {
-                // Both halves' middles, so that the next step's row is on its way either way.
-                __builtin_prefetch(first + count / 4);
-                __builtin_prefetch(first + count / 2 + count / 4);
-                halve(first, count, row);
-            }
-            prefetchShapes(static_cast<std::size_t>(first - keyRows), count);
-        }
-        while (count > 1) {
-            halve(first, count, row);
-        }
-        return static_cast<std::size_t>(first - keyRows) + (*first <= row ? 1 : 0);
-    }
-
-    // Keeps the half of the rows first..first + count in which the first row greater than row
-    // lies, or after which it lies.
-    static void halve(const unsigned int*& first, std::size_t& count, unsigned int row) {
-        const std::size_t half = count / 2;
-        first = first[half] <= row ? first + half : first;
-        count -= half;
-    }
-
-    // Asks for the shapes from segment to segment + count, which the last steps of a search
-    // choose among, while those steps run.
-    void prefetchShapes(std::size_t segment, std::size_t count) const {
-        const char* start = reinterpret_cast<const char*>(&shapes[segment]);
-        for (std::size_t offset = 0; offset <= (count + 1) * sizeof(Shape); offset += 64) {
-            __builtin_prefetch(start + offset);
-        }
-    }
-
-    // One entry a segment, then one that starts at row 0 and only ends the last segment.
-    std::vector<unsigned int> starts;
-    std::vector<Shape> shapes;
+    // A copy of the last look-up's segment, first in the index, so that a frame that
+    // evaluates many tracks finds it beside the rest of the track, not in an array elsewhere.
     Segment current;
     std::size_t currentNumber = 0;
     bool stale = true;
+    // One a segment, then the last one again, which the step after the last one reads: it
+    // holds none of the rows that the last one does not hold.
+    std::vector<Segment> segments;
+    // The keys' rows in order, which a search reads: compact, so that a search of a large
+    // track touches few cache lines.
+    std::vector<unsigned int> keyRows;
 };

@@ -1,8 +1,6 @@
 #include "TrackInterpolate.h"
 
-#include "KVTDemosys.h"
 #include "TrackKeyFrameInterpolate.h"
-#include "TrackSystem.h"
 
 #include <cmath>
 #include <iterator>
@@ -82,23 +80,7 @@ float TrackInterpolate::cosine(const TrackKeyFrameInterpolate& a, const TrackKey
     return cosineBetween(a.value, b.value, t, easeOut);
 }
 
-// The segment is chosen by the integer row, the fraction within it by the fractional row.
-// The rare paths are calls out of line, so that the common one needs no stack frame.
-float TrackInterpolate::getValue(unsigned int timeMs) const {
-    const unsigned int rowRate = TrackSystem::rowRateOf(KVTDemosys::tracks);
-    if (rowRate != preparedRowRate) {
-        return valueAfterUpdate(timeMs, rowRate);
-    }
-    const unsigned int row = rowRate * timeMs / 1000;
-    const TrackEvaluationIndex::Segment& segment = index.lastSegment();
-    if (!TrackEvaluationIndex::holds(segment, row)) {
-        return valueAfterLocating(timeMs, row);
-    }
-    return valueIn(segment, timeMs);
-}
-
-[[gnu::noinline]] float TrackInterpolate::valueAfterUpdate(unsigned int timeMs,
-                                                           unsigned int rowRate) const {
+float TrackInterpolate::valueAfterChange(unsigned int timeMs, unsigned int rowRate) const {
     if (index.isStale()) {
         index.rebuild(keyframes);
     }
@@ -107,16 +89,9 @@ float TrackInterpolate::getValue(unsigned int timeMs) const {
     return getValue(timeMs);
 }
 
-[[gnu::noinline]] float TrackInterpolate::valueAfterLocating(unsigned int timeMs,
-                                                             unsigned int row) const {
-    return valueIn(index.locate(row), timeMs);
-}
-
-float TrackInterpolate::valueIn(const TrackEvaluationIndex::Segment& segment,
-                                unsigned int timeMs) const {
-    const float fractionalRow = millisecondsPerRow.divide(static_cast<float>(timeMs));
-    const float f = (fractionalRow - segment.startRow) / segment.length;
-    return curve(segment.interpolation, segment.from, segment.to, f);
+float TrackInterpolate::curvedValue(const TrackEvaluationIndex::Segment& segment,
+                                    unsigned int timeMs) const {
+    return curve(segment.interpolation, segment.from, segment.to, fractionIn(segment, timeMs));
 }
 
 void TrackInterpolate::keyframesChanged() {

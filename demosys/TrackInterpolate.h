@@ -1,8 +1,10 @@
 #pragma once
 
 #include "FloatDivisor.h"
+#include "KVTDemosys.h"
 #include "Track.h"
 #include "TrackEvaluationIndex.h"
+#include "TrackSystem.h"
 
 #include <cstdint>
 #include <string>
@@ -31,7 +33,24 @@ public:
     // The value at a clock time in milliseconds: 0 before the first keyframe, the last
     // value held after the last one. Never allocates. Not for concurrent use: it rebuilds the
     // evaluation copy and remembers where it found the time.
-    float getValue(unsigned int timeMs) const;
+    // The segment is chosen by the integer row, the fraction within it by the fractional row.
+    // Inline for the common case, a linear or constant segment (the time before the first key
+    // and after the last one are constant); the rest is out of line, so that each call site
+    // stays small.
+    float getValue(unsigned int timeMs) const {
+        const unsigned int rowRate = TrackSystem::rowRateOf(KVTDemosys::tracks);
+        if (rowRate != preparedRowRate) {
+            return valueAfterChange(timeMs, rowRate);
+        }
+        const TrackEvaluationIndex::Segment& segment = index.segmentOf(rowRate * timeMs / 1000);
+        if (segment.interpolation == STEP) {
+            return segment.from;
+        }
+        if (segment.interpolation == LINEAR) {
+            return segment.from + (segment.to - segment.from) * fractionIn(segment, timeMs);
+        }
+        return curvedValue(segment, timeMs);
+    }
 
     TrackKeyFrameInterpolate* getClosestKeyframe(unsigned int row) const;
     TrackKeyFrameInterpolate* getClosestKeyframeUpwards(unsigned int row) const;
@@ -55,19 +74,24 @@ public:
                         float t, bool easeOut);
 
 private:
-    // getValue() once the keys or the row rate changed: brings the index and the divisor up
-    // to date first.
-    float valueAfterUpdate(unsigned int timeMs, unsigned int rowRate) const;
-    // getValue() once the time left the segment of the last call.
-    float valueAfterLocating(unsigned int timeMs, unsigned int row) const;
-    float valueIn(const TrackEvaluationIndex::Segment& segment, unsigned int timeMs) const;
+    // getValue() after a change to the keys or the row rate: brings the index and the
+    // divisor up to date first.
+    float valueAfterChange(unsigned int timeMs, unsigned int rowRate) const;
+    // getValue() in a segment of a code other than linear or step.
+    float curvedValue(const TrackEvaluationIndex::Segment& segment, unsigned int timeMs) const;
+    // How far timeMs lies into the segment: 0 at its start, 1 at the next one's.
+    float fractionIn(const TrackEvaluationIndex::Segment& segment, unsigned int timeMs) const {
+        const float fractionalRow = millisecondsPerRow.divide(static_cast<float>(timeMs));
+        return segment.length.divide(fractionalRow - segment.startRow);
+    }
 
-    std::string name;
-    mutable TrackEvaluationIndex index;
+    // What getValue() reads first: together, before the index's last segment.
     // The row rate that the index and the divisor are ready for; none (a value no rate has)
     // after a change to the keys.
     static constexpr std::uint64_t Unprepared = std::uint64_t{1} << 32;
     mutable std::uint64_t preparedRowRate = Unprepared;
     // Divides by 1000 / rowRate in single precision.
     mutable FloatDivisor millisecondsPerRow{1.0f};
+    mutable TrackEvaluationIndex index;
+    std::string name;
 };

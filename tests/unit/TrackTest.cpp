@@ -259,6 +259,33 @@ TEST(TrackInterpolate, ValuesMatchTheMapEvaluationThroughRandomEdits) {
     EXPECT_GT(compared, 300000u);
 }
 
+// A track large enough for a five-level search tree, in dense runs and wide gaps, gives the
+// map evaluation's bits on and around every key's row, walked in order and at random.
+TEST(TrackInterpolate, LargeTracksMatchTheMapEvaluation) {
+    std::mt19937 random(5);
+    TrackInterpolate track("large");
+    unsigned int row = 3;
+    for (int i = 0; i < 70000; ++i) {
+        addKey(track, row, static_cast<float>(random() % 2000) - 1000.0f,
+               static_cast<int>(random() % 6));
+        row += random() % 8 == 0 ? 1 + random() % 400 : 1;
+    }
+    const unsigned int rowRate = TrackSystem::DefaultRowRate;
+    const unsigned int msPerRow = 1000 / rowRate;
+    std::vector<unsigned int> times;
+    for (const auto& key : track.getKeyframes()) {
+        const unsigned int keyTime = key.first * msPerRow;
+        times.insert(times.end(), {keyTime - 1, keyTime, keyTime + msPerRow / 2});
+    }
+    for (int i = 0; i < 20000; ++i) {
+        times.push_back(static_cast<unsigned int>(random() % ((row + 100) * msPerRow)));
+    }
+    for (unsigned int time : times) {
+        ASSERT_TRUE(sameBits(track.getValue(time), mapValue(track.getKeyframes(), rowRate, time),
+                             time, rowRate, track.size()));
+    }
+}
+
 TEST(TrackInterpolate, ClosestKeyframeLookups) {
     TrackInterpolate single("one");
     addKey(single, 10, 1.0f);
