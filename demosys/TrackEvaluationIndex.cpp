@@ -57,7 +57,7 @@ void TrackEvaluationIndex::rebuild(const Track::KeyframeMap& keyframes) {
         segment.interpolation = TrackInterpolate::STEP;
         if (key != keyframes.end()) {
             const auto& next = *static_cast<const TrackKeyFrameInterpolate*>(key->second);
-            segment.to = next.value;
+            segment.rise = next.value - value;
             segment.interpolation = interpolation;
             value = next.value;
             interpolation = knownCode(next.interpolation);

@@ -32,7 +32,7 @@ public:
         unsigned int firstRow = 0;
         unsigned int lastRowOffset = 0; // last row - first row
         float from = 0.0f;
-        float to = 0.0f;
+        float rise = 0.0f; // the next segment's from - from, which a linear segment scales
         int interpolation = 0;
         float startRow = 0.0f; // the first row as a float
         // Divides by the rows to the next segment as floats: its start - startRow.
@@ -52,6 +52,8 @@ public:
         const std::size_t next = currentNumber + 1;
         return enter(holds(segments[next], row) ? next : search(row));
     }
+    // The value the last look-up's segment moves on to: the next one's first.
+    float valueAfterCurrent() const { return segments[currentNumber + 1].from; }
 
 private:
     static constexpr std::size_t RowsInACacheLine = 64 / sizeof(unsigned int);

@@ -91,7 +91,8 @@ float TrackInterpolate::valueAfterChange(unsigned int timeMs, unsigned int rowRa
 
 float TrackInterpolate::curvedValue(const TrackEvaluationIndex::Segment& segment,
                                     unsigned int timeMs) const {
-    return curve(segment.interpolation, segment.from, segment.to, fractionIn(segment, timeMs));
+    return curve(segment.interpolation, segment.from, index.valueAfterCurrent(),
+                 fractionIn(segment, timeMs));
 }
 
 void TrackInterpolate::keyframesChanged() {

@@ -43,11 +43,11 @@ public:
             return valueAfterChange(timeMs, rowRate);
         }
         const TrackEvaluationIndex::Segment& segment = index.segmentOf(rowRate * timeMs / 1000);
+        if (segment.interpolation == LINEAR) {
+            return segment.from + segment.rise * fractionIn(segment, timeMs);
+        }
         if (segment.interpolation == STEP) {
             return segment.from;
-        }
-        if (segment.interpolation == LINEAR) {
-            return segment.from + (segment.to - segment.from) * fractionIn(segment, timeMs);
         }
         return curvedValue(segment, timeMs);
     }

@@ -68,6 +68,17 @@ std::vector<unsigned int> queryTimes(Order order, unsigned int span) {
     return times;
 }
 
+// Steps through the query times round and round. Its members are copies that the compiler
+// keeps in registers, where the vector's would be read again after every DoNotOptimize: the
+// loop should add as little as it can to the look-up it measures.
+struct QueryLoop {
+    explicit QueryLoop(const std::vector<unsigned int>& times)
+        : time(times.data()), last(times.size() - 1) {}
+    std::size_t after(std::size_t next) const { return (next + 1) & last; }
+    const unsigned int* const time;
+    const std::size_t last; // the count is a power of two
+};
+
 float shaped(int interpolation, float a, float b, float f) {
     const double pi = 3.141592653589793;
     switch (interpolation) {
@@ -86,15 +97,16 @@ float shaped(int interpolation, float a, float b, float f) {
 
 // The baseline: the same evaluation over one array of keys searched with std::upper_bound.
 // The compiler may inline it, as it inlines the common path of the track's getValue.
-float baselineValue(const std::vector<Key>& keys, unsigned int rowRate, unsigned int timeMs) {
+// Its array is given as two pointers, which the loop keeps in registers.
+float baselineValue(const Key* first, const Key* end, unsigned int rowRate, unsigned int timeMs) {
     const unsigned int row = rowRate * timeMs / 1000;
-    auto after = std::upper_bound(keys.begin(), keys.end(), row,
-                                  [](unsigned int r, const Key& key) { return r < key.row; });
-    if (after == keys.begin()) {
+    const Key* after = std::upper_bound(first, end, row,
+                                        [](unsigned int r, const Key& key) { return r < key.row; });
+    if (after == first) {
         return 0.0f;
     }
-    if (after == keys.end()) {
-        return keys.back().value;
+    if (after == end) {
+        return end[-1].value;
     }
     const Key& a = after[-1];
     const Key& b = after[0];
@@ -117,10 +129,12 @@ void BM_TrackValue(benchmark::State& state) {
     const std::vector<unsigned int> times = queryTimes(order, spanMs(keys));
     // The first evaluation after loading builds the index, which is not a look-up.
     benchmark::DoNotOptimize(track->getValue(0));
+    const TrackInterpolate& value = *track;
+    const QueryLoop loop(times);
     std::size_t next = 0;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(track->getValue(times[next]));
-        next = (next + 1) & (times.size() - 1);
+        benchmark::DoNotOptimize(value.getValue(loop.time[next]));
+        next = loop.after(next);
     }
     labelOrder(state, order);
 }
@@ -131,10 +145,13 @@ void BM_BaselineValue(benchmark::State& state) {
         makeKeys(static_cast<int>(state.range(0)), static_cast<Codes>(state.range(2)));
     const std::vector<unsigned int> times = queryTimes(order, spanMs(keys));
     const unsigned int rowRate = TrackSystem::globalRowRate();
+    const Key* const first = keys.data();
+    const Key* const end = first + keys.size();
+    const QueryLoop loop(times);
     std::size_t next = 0;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(baselineValue(keys, rowRate, times[next]));
-        next = (next + 1) & (times.size() - 1);
+        benchmark::DoNotOptimize(baselineValue(first, end, rowRate, loop.time[next]));
+        next = loop.after(next);
     }
     labelOrder(state, order);
 }
