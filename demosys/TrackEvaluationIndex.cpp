@@ -4,8 +4,11 @@
 #include "TrackKeyFrameInterpolate.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
+
+constexpr std::size_t RowsInACacheLine = 64 / sizeof(unsigned int);
 
 int knownCode(int interpolation) {
     const bool known =
@@ -22,6 +25,31 @@ void halve(const unsigned int*& first, std::size_t& count, unsigned int row) {
     count -= half;
 }
 
+// The number of rows not greater than row in rows, which are in order. A binary search: while the
+// rows left span more than a cache line, both halves' middles are asked for, so that the next
+// step's row is on its way whichever half it takes.
+std::size_t rowsAtOrBefore(const std::vector<unsigned int>& rows, unsigned int row) {
+    const unsigned int* first = rows.data();
+    std::size_t count = rows.size();
+    while (count > RowsInACacheLine) {
+        __builtin_prefetch(first + count / 4);
+        __builtin_prefetch(first + count / 2 + count / 4);
+        halve(first, count, row);
+    }
+    while (count > 1) {
+        halve(first, count, row);
+    }
+    return static_cast<std::size_t>(first - rows.data()) + (*first <= row ? 1 : 0);
+}
+
+// Makes a step segment a linear one that holds its first value (see Segment).
+void holdFirstValue(TrackEvaluationIndex::Segment& segment) {
+    segment.interpolation = TrackInterpolate::LINEAR;
+    segment.startRow = 0.0f;
+    segment.length = FloatDivisor(std::numeric_limits<float>::infinity());
+    segment.rise = -0.0f;
+}
+
 } // namespace
 
 void TrackEvaluationIndex::invalidate(std::size_t keyCount) {
@@ -31,8 +59,8 @@ void TrackEvaluationIndex::invalidate(std::size_t keyCount) {
         const std::size_t capacity = std::max(keyCount + 2, 2 * segments.capacity());
         segments.clear();
         segments.reserve(capacity);
-        keyRows.clear();
-        keyRows.reserve(capacity);
+        pairRows.clear();
+        pairRows.reserve(capacity / 2 + 1);
     }
 }
 
@@ -41,7 +69,7 @@ void TrackEvaluationIndex::invalidate(std::size_t keyCount) {
 // no row and is never entered, as no row lies before it (its entry would cover every row).
 void TrackEvaluationIndex::rebuild(const Track::KeyframeMap& keyframes) {
     segments.clear();
-    keyRows.clear();
+    pairRows.clear();
     unsigned int firstRow = 0;
     float value = 0.0f;
     int interpolation = TrackInterpolate::STEP;
@@ -55,14 +83,19 @@ void TrackEvaluationIndex::rebuild(const Track::KeyframeMap& keyframes) {
         segment.startRow = static_cast<float>(firstRow);
         segment.length = FloatDivisor(static_cast<float>(nextRow) - segment.startRow);
         segment.interpolation = TrackInterpolate::STEP;
+        if (s % 2 == 0) {
+            pairRows.push_back(firstRow);
+        }
         if (key != keyframes.end()) {
             const auto& next = *static_cast<const TrackKeyFrameInterpolate*>(key->second);
             segment.rise = next.value - value;
             segment.interpolation = interpolation;
             value = next.value;
             interpolation = knownCode(next.interpolation);
-            keyRows.push_back(key->first);
             ++key;
+        }
+        if (segment.interpolation == TrackInterpolate::STEP) {
+            holdFirstValue(segment);
         }
         segments.push_back(segment);
         firstRow = nextRow;
@@ -72,21 +105,12 @@ void TrackEvaluationIndex::rebuild(const Track::KeyframeMap& keyframes) {
     stale = false;
 }
 
-// A binary search: while the rows left span more than a cache line, both halves' middles
-// are asked for, so that the next step's row is on its way whichever half it takes.
+// pairRows[0] is 0, so at least one pair starts by row. The pair holding row holds it in its second
+// segment when that one starts by row. The second of the last pair may be the copy after the last
+// segment, which stands for it.
 std::size_t TrackEvaluationIndex::search(unsigned int row) const {
-    if (keyRows.empty()) {
-        return 0;
-    }
-    const unsigned int* first = keyRows.data();
-    std::size_t count = keyRows.size();
-    while (count > RowsInACacheLine) {
-        __builtin_prefetch(first + count / 4);
-        __builtin_prefetch(first + count / 2 + count / 4);
-        halve(first, count, row);
-    }
-    while (count > 1) {
-        halve(first, count, row);
-    }
-    return static_cast<std::size_t>(first - keyRows.data()) + (*first <= row ? 1 : 0);
+    const std::size_t second = 2 * rowsAtOrBefore(pairRows, row) - 1;
+    // Arithmetic, not a branch, which random rows would mispredict half the time.
+    const std::size_t segment = second - (row < segments[second].firstRow ? 1 : 0);
+    return std::min(segment, segments.size() - 2);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CacheLineAllocator.h"
 #include "FloatDivisor.h"
 #include "Track.h"
 
@@ -9,13 +10,14 @@
 // A flat, contiguous copy of an interpolate track's keys, made for evaluation. The keys' rows
 // divide the clock into segments, numbered from 0 (before the first key) to the key count
 // (from the last key on); segment s > 0 starts at key s - 1. One array holds everything
-// evaluating in each segment needs, worked out once when the index is built; a search of an
-// array of the keys' rows finds the segment of a row. Evaluation reads these instead of the
-// track's map, whose nodes lie scattered over the heap. The track invalidates the copy on
-// every change to its keys and rebuilds it before the next evaluation.
-// It keeps the segment of the last look-up, so that playback, where time moves on a little
-// each frame, reads nothing else while it stays there, and steps to the next segment
-// without searching.
+// evaluating in each segment needs, worked out once when the index is built, two segments to
+// a cache line; a search of an array of every other segment's first row finds the pair that
+// holds a row, and the pair's line, which evaluation reads anyway, tells which of the two.
+// Evaluation reads these instead of the track's map, whose nodes lie scattered over the heap. The
+// track invalidates the copy on every change to its keys and rebuilds it before the next
+// evaluation. It keeps the segment of the last look-up, so that playback, where time moves on a
+// little each frame, reads nothing else while it stays there, and steps to the next segment without
+// searching.
 class TrackEvaluationIndex {
 public:
     // The keys changed. The arrays grow here, while keys are being added anyway, so that the
@@ -27,15 +29,19 @@ public:
     // What evaluating in a segment needs: where it lies, and the curve from its first value to
     // the next segment's, shaped by its interpolation code (an unknown code reads as the
     // linear one it stands for). Before the first key the value is 0 and from the last key on
-    // it is held: both as by a step.
+    // it is held: both as by a step. A step reads as a linear segment that does not move, so
+    // that evaluation tells the two apart by no branch: its fraction is +0 at every row (it
+    // starts at row 0 and its divisor is infinite) and its rise is -0.0, and adding -0.0
+    // leaves every value as it is, -0.0 included.
     struct Segment {
         unsigned int firstRow = 0;
         unsigned int lastRowOffset = 0; // last row - first row
         float from = 0.0f;
         float rise = 0.0f; // the next segment's from - from, which a linear segment scales
         int interpolation = 0;
-        float startRow = 0.0f; // the first row as a float
-        // Divides by the rows to the next segment as floats: its start - startRow.
+        float startRow = 0.0f; // the first row as a float; 0 for a step
+        // Divides by the rows to the next segment as floats: its start - startRow; by infinity
+        // for a step.
         FloatDivisor length{0.0f};
     };
 
@@ -56,8 +62,6 @@ public:
     float valueAfterCurrent() const { return segments[currentNumber + 1].from; }
 
 private:
-    static constexpr std::size_t RowsInACacheLine = 64 / sizeof(unsigned int);
-
     // Keeps a copy of a segment as the last look-up's, and gives the original, which the
     // caller reads without waiting for the copy.
     const Segment& enter(std::size_t segment) {
@@ -65,7 +69,7 @@ private:
         current = segments[segment];
         return segments[segment];
     }
-    // The number of keys whose row is not greater than row, which is the segment holding row.
+    // The number of the segment holding row.
     std::size_t search(unsigned int row) const;
 
     // A copy of the last look-up's segment, first in the index, so that a frame that
@@ -74,9 +78,12 @@ private:
     std::size_t currentNumber = 0;
     bool stale = true;
     // One a segment, then the last one again, which the step after the last one reads: it
-    // holds none of the rows that the last one does not hold.
-    std::vector<Segment> segments;
-    // The keys' rows in order, which a search reads: compact, so that a search of a large
-    // track touches few cache lines.
-    std::vector<unsigned int> keyRows;
+    // holds none of the rows that the last one does not hold. Segments 2p and 2p + 1 share a
+    // cache line.
+    std::vector<Segment, CacheLineAllocator<Segment>> segments;
+    static_assert(2 * sizeof(Segment) == CacheLineAllocator<Segment>::LineSize,
+                  "a pair of segments fills a cache line");
+    // Segment 2p's first row at p, in order, which a search reads: compact, so that a search
+    // of a large track touches few cache lines.
+    std::vector<unsigned int> pairRows;
 };

@@ -32,21 +32,18 @@ float smoothBetween(float a, float b, float t) {
     return static_cast<float>(a + (b - a) * w);
 }
 
-// The value between a and b at fraction t, shaped by the interpolation code of a.
+// The value between a and b at fraction t, shaped by a curved interpolation code of a (the
+// index gives the others as linear segments, which getValue() evaluates itself).
 float curve(int interpolation, float a, float b, float t) {
     switch (interpolation) {
     case TrackInterpolate::EASE_OUT:
         return cosineBetween(a, b, t, true);
     case TrackInterpolate::EASE_IN:
         return cosineBetween(a, b, t, false);
-    case TrackInterpolate::STEP:
-        return a;
     case TrackInterpolate::RAMP:
         return rampBetween(a, b, t);
-    case TrackInterpolate::SMOOTH:
-        return smoothBetween(a, b, t);
     default:
-        return linearBetween(a, b, t);
+        return smoothBetween(a, b, t);
     }
 }
 

@@ -35,8 +35,8 @@ public:
     // evaluation copy and remembers where it found the time.
     // The segment is chosen by the integer row, the fraction within it by the fractional row.
     // Inline for the common case, a linear or constant segment (the time before the first key
-    // and after the last one are constant); the rest is out of line, so that each call site
-    // stays small.
+    // and after the last one are constant, and the index gives a constant one as linear); the
+    // curves are out of line, so that each call site stays small.
     float getValue(unsigned int timeMs) const {
         const unsigned int rowRate = TrackSystem::rowRateOf(KVTDemosys::tracks);
         if (rowRate != preparedRowRate) {
@@ -45,9 +45,6 @@ public:
         const TrackEvaluationIndex::Segment& segment = index.segmentOf(rowRate * timeMs / 1000);
         if (segment.interpolation == LINEAR) {
             return segment.from + segment.rise * fractionIn(segment, timeMs);
-        }
-        if (segment.interpolation == STEP) {
-            return segment.from;
         }
         return curvedValue(segment, timeMs);
     }
@@ -77,7 +74,7 @@ private:
     // getValue() after a change to the keys or the row rate: brings the index and the
     // divisor up to date first.
     float valueAfterChange(unsigned int timeMs, unsigned int rowRate) const;
-    // getValue() in a segment of a code other than linear or step.
+    // getValue() in a segment of a curved code: ease-out, ease-in, ramp or smooth.
     float curvedValue(const TrackEvaluationIndex::Segment& segment, unsigned int timeMs) const;
     // How far timeMs lies into the segment: 0 at its start, 1 at the next one's.
     float fractionIn(const TrackEvaluationIndex::Segment& segment, unsigned int timeMs) const {

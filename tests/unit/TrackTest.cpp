@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstring>
 #include <iterator>
+#include <limits>
 #include <random>
 
 namespace {
@@ -98,10 +99,19 @@ public:
         }
     }
 
+    // Now and then a value that arithmetic treats apart: a zero of either sign or an infinity.
+    float value() {
+        const float infinity = std::numeric_limits<float>::infinity();
+        const float special[] = {0.0f, -0.0f, infinity, -infinity};
+        if (below(16) == 0) {
+            return special[below(4)];
+        }
+        return std::uniform_real_distribution<float>(-1000.0f, 1000.0f)(random);
+    }
+
     void add(TrackInterpolate& track) {
         const int interpolation = static_cast<int>(below(11)) - 2;
-        const float value = std::uniform_real_distribution<float>(-1000.0f, 1000.0f)(random);
-        track.addKeyframe(new TrackKeyFrameInterpolate(row(), interpolation, value));
+        track.addKeyframe(new TrackKeyFrameInterpolate(row(), interpolation, value()));
     }
 
     void fill(TrackInterpolate& track) {
