@@ -47,7 +47,7 @@ void holdFirstValue(TrackEvaluationIndex::Segment& segment) {
     segment.interpolation = TrackInterpolate::LINEAR;
     segment.startRow = 0.0f;
     segment.length = FloatDivisor(std::numeric_limits<float>::infinity());
-    segment.rise = -0.0f;
+    segment.toward = -0.0f;
 }
 
 } // namespace
@@ -88,7 +88,8 @@ void TrackEvaluationIndex::rebuild(const Track::KeyframeMap& keyframes) {
         }
         if (key != keyframes.end()) {
             const auto& next = *static_cast<const TrackKeyFrameInterpolate*>(key->second);
-            segment.rise = next.value - value;
+            segment.toward =
+                interpolation == TrackInterpolate::LINEAR ? next.value - value : next.value;
             segment.interpolation = interpolation;
             value = next.value;
             interpolation = knownCode(next.interpolation);

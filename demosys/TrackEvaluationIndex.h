@@ -31,13 +31,16 @@ public:
     // linear one it stands for). Before the first key the value is 0 and from the last key on
     // it is held: both as by a step. A step reads as a linear segment that does not move, so
     // that evaluation tells the two apart by no branch: its fraction is +0 at every row (it
-    // starts at row 0 and its divisor is infinite) and its rise is -0.0, and adding -0.0
+    // starts at row 0 and its divisor is infinite) and its rise (toward) is -0.0, and adding -0.0
     // leaves every value as it is, -0.0 included.
     struct Segment {
         unsigned int firstRow = 0;
         unsigned int lastRowOffset = 0; // last row - first row
         float from = 0.0f;
-        float rise = 0.0f; // the next segment's from - from, which a linear segment scales
+        // Where the segment goes: a linear one as its rise, the next segment's from - from,
+        // which the fraction scales; a curved one as the next segment's from itself, which
+        // the curves, working in double, need.
+        float toward = 0.0f;
         int interpolation = 0;
         float startRow = 0.0f; // the first row as a float; 0 for a step
         // Divides by the rows to the next segment as floats: its start - startRow; by infinity
@@ -58,8 +61,6 @@ public:
         const std::size_t next = currentNumber + 1;
         return enter(holds(segments[next], row) ? next : search(row));
     }
-    // The value the last look-up's segment moves on to: the next one's first.
-    float valueAfterCurrent() const { return segments[currentNumber + 1].from; }
 
 private:
     // Keeps a copy of a segment as the last look-up's, and gives the original, which the

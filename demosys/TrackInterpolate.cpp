@@ -88,8 +88,7 @@ float TrackInterpolate::valueAfterChange(unsigned int timeMs, unsigned int rowRa
 
 float TrackInterpolate::curvedValue(const TrackEvaluationIndex::Segment& segment,
                                     unsigned int timeMs) const {
-    return curve(segment.interpolation, segment.from, index.valueAfterCurrent(),
-                 fractionIn(segment, timeMs));
+    return curve(segment.interpolation, segment.from, segment.toward, fractionIn(segment, timeMs));
 }
 
 void TrackInterpolate::keyframesChanged() {

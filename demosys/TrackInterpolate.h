@@ -44,7 +44,7 @@ public:
         }
         const TrackEvaluationIndex::Segment& segment = index.segmentOf(rowRate * timeMs / 1000);
         if (segment.interpolation == LINEAR) {
-            return segment.from + segment.rise * fractionIn(segment, timeMs);
+            return segment.from + segment.toward * fractionIn(segment, timeMs);
         }
         return curvedValue(segment, timeMs);
     }
