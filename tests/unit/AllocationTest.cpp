@@ -1,6 +1,7 @@
 // Counts heap allocations made while evaluating a track: evaluation runs every frame for
 // every parameter and must never allocate. Also what tracks and the frame loop allocate and
-// release.
+// release, and how the evaluation index's allocator places its storage.
+#include "CacheLineAllocator.h"
 #include "Effect.h"
 #include "TrackGroup.h"
 #include "TrackInterpolate.h"
@@ -13,6 +14,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -158,4 +161,27 @@ TEST(Allocation, SchedulingAllocatesNothingAfterTheFirstFrame) {
     auto probe = std::make_unique<int>(1);
     counting = false;
     EXPECT_EQ(allocations.load(), 1) << "the counter must see allocations when they happen";
+}
+
+// Wherever the heap puts an allocation, the storage starts on a cache line, holds the whole
+// count (an overrun would spoil the next block's size header, which the release reads), and
+// the release frees what was allocated.
+TEST(CacheLineAllocator, StorageStartsOnALineAndHoldsTheWholeCount) {
+    struct Element {
+        char bytes[24];
+    };
+    std::vector<std::unique_ptr<char[]>> shifts;
+    shifts.reserve(40);
+    CacheLineAllocator<Element> allocator;
+    startCounting();
+    for (std::size_t count = 1; count < 40; ++count) {
+        shifts.push_back(std::make_unique<char[]>(count * 8)); // moves the next block's start
+        Element* storage = allocator.allocate(count);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(storage) % 64, 0u) << count << " elements";
+        std::memset(storage, 0xAB, count * sizeof(Element));
+        allocator.deallocate(storage, count);
+    }
+    shifts.clear();
+    counting = false;
+    EXPECT_EQ(allocations.load(), releases.load());
 }
