@@ -269,8 +269,8 @@ TEST(TrackInterpolate, ValuesMatchTheMapEvaluationThroughRandomEdits) {
     EXPECT_GT(compared, 300000u);
 }
 
-// A track large enough for a five-level search tree, in dense runs and wide gaps, gives the
-// map evaluation's bits on and around every key's row, walked in order and at random.
+// A track large enough that a search crosses many cache lines, in dense runs and wide gaps,
+// gives the map evaluation's bits on and around every key's row, walked in order and at random.
 TEST(TrackInterpolate, LargeTracksMatchTheMapEvaluation) {
     std::mt19937 random(5);
     TrackInterpolate track("large");
