@@ -102,16 +102,16 @@ void TrackEvaluationIndex::rebuild(const Track::KeyframeMap& keyframes) {
         firstRow = nextRow;
     }
     segments.push_back(segments.back());
-    enter(segments.size() - 2);
+    enter(lastSegment());
     stale = false;
 }
 
-// pairRows[0] is 0, so at least one pair starts by row. The pair holding row holds it in its second
-// segment when that one starts by row. The second of the last pair may be the copy after the last
-// segment, which stands for it.
+// pairRows[0] is 0, so at least one pair starts by row. The pair holding row holds it in its
+// second segment when that one starts by row. The last pair's second may be the copy after the
+// last segment, which stands for the last segment.
 std::size_t TrackEvaluationIndex::search(unsigned int row) const {
     const std::size_t second = 2 * rowsAtOrBefore(pairRows, row) - 1;
     // Arithmetic, not a branch, which random rows would mispredict half the time.
     const std::size_t segment = second - (row < segments[second].firstRow ? 1 : 0);
-    return std::min(segment, segments.size() - 2);
+    return std::min(segment, lastSegment());
 }

@@ -72,6 +72,8 @@ private:
     }
     // The number of the segment holding row.
     std::size_t search(unsigned int row) const;
+    // The segment from the last key on; the copy after it is not counted.
+    std::size_t lastSegment() const { return segments.size() - 2; }
 
     // A copy of the last look-up's segment, first in the index, so that a frame that
     // evaluates many tracks finds it beside the rest of the track, not in an array elsewhere.
